@@ -1,0 +1,28 @@
+// What stands behind the client library. The default backend is a machine without the connector:
+// not installed, not running, never ready, and every proxy call throws
+// CorvaneCommunicationException. Tests install a FakeConnector.
+#pragma once
+
+#include "core/TevString.h"
+
+namespace Corvane {
+
+class ConnectorBackend {
+public:
+    virtual ~ConnectorBackend() = default;
+
+    virtual Core::TevString Execute(const Core::TevString& input) = 0;
+    virtual Core::TevString RegisterClient(const Core::TevString& input) = 0;
+    virtual void DeRegisterClient(const Core::TevString& input) = 0;
+
+    virtual bool IsInstalled() = 0;
+    virtual bool IsRunning() = 0;
+    virtual bool IsReady() = 0;
+    virtual void LaunchApplication(const Core::TevString& arguments) = 0;
+};
+
+// Installs a backend (nullptr restores the default); returns the previous one.
+ConnectorBackend* SetConnectorBackend(ConnectorBackend* backend);
+ConnectorBackend& CurrentConnectorBackend();
+
+} // namespace Corvane

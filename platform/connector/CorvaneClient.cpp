@@ -1,0 +1,81 @@
+#include "connector/CorvaneClient.h"
+
+#include "connector/ConnectorBackend.h"
+
+#include <memory>
+#include <vector>
+
+namespace Corvane {
+
+namespace {
+
+class NoConnector : public ConnectorBackend {
+public:
+    Core::TevString Execute(const Core::TevString&) override { throw NotInstalled(); }
+    Core::TevString RegisterClient(const Core::TevString&) override { throw NotInstalled(); }
+    void DeRegisterClient(const Core::TevString&) override { throw NotInstalled(); }
+    bool IsInstalled() override { return false; }
+    bool IsRunning() override { return false; }
+    bool IsReady() override { return false; }
+    void LaunchApplication(const Core::TevString&) override { throw NotInstalled(); }
+
+private:
+    static CorvaneCommunicationException NotInstalled() {
+        return CorvaneCommunicationException("Corvane connector is not installed");
+    }
+};
+
+ConnectorBackend*& InstalledBackend() {
+    static ConnectorBackend* backend = nullptr;
+    return backend;
+}
+
+class Proxy final : public ICorvaneProxy {
+public:
+    void Reserved() override {}
+    Core::TevString Execute(const Core::TevString& input) override {
+        return CurrentConnectorBackend().Execute(input);
+    }
+    Core::TevString RegisterClient(const Core::TevString& input) override {
+        return CurrentConnectorBackend().RegisterClient(input);
+    }
+    void DeRegisterClient(const Core::TevString& input) override {
+        CurrentConnectorBackend().DeRegisterClient(input);
+    }
+};
+
+} // namespace
+
+ConnectorBackend* SetConnectorBackend(ConnectorBackend* backend) {
+    ConnectorBackend* previous = InstalledBackend();
+    InstalledBackend() = backend;
+    return previous;
+}
+
+ConnectorBackend& CurrentConnectorBackend() {
+    static NoConnector noConnector;
+    ConnectorBackend* backend = InstalledBackend();
+    return backend != nullptr ? *backend : noConnector;
+}
+
+ICorvaneProxy* CorvaneProxyFactory::CreateCorvaneProxy() {
+    // The library keeps every proxy it hands out for the life of the process.
+    static auto* proxies = new std::vector<std::unique_ptr<Proxy>>();
+    proxies->push_back(std::make_unique<Proxy>());
+    return proxies->back().get();
+}
+
+bool CorvaneApplication::IsInstalled() {
+    return CurrentConnectorBackend().IsInstalled();
+}
+bool CorvaneApplication::IsRunning() {
+    return CurrentConnectorBackend().IsRunning();
+}
+bool CorvaneApplication::IsReady() {
+    return CurrentConnectorBackend().IsReady();
+}
+void CorvaneApplication::LaunchApplication(const Core::TevString& arguments) {
+    CurrentConnectorBackend().LaunchApplication(arguments);
+}
+
+} // namespace Corvane

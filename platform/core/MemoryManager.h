@@ -1,0 +1,19 @@
+// Stand-in for the connector core library's allocator. It counts live allocations so that tests
+// can show that protocol records do not outlive the call that made them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Core {
+
+class MemoryManager {
+public:
+    static void* Allocate(std::size_t size);
+    static void Free(void* block) noexcept;
+
+    // Blocks handed out by Allocate and not yet freed, process-wide.
+    static std::int64_t LiveAllocations() noexcept;
+};
+
+} // namespace Core

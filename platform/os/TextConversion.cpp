@@ -1,0 +1,216 @@
+#include "os/TextConversion.h"
+
+#include <type_traits>
+
+#ifdef _WIN32
+#include <climits>
+#include <windows.h>
+#endif
+
+namespace platform::os {
+
+#ifdef _WIN32
+
+std::wstring Utf8ToWide(std::string_view utf8) {
+    // The converter takes an int length; longer text cannot be converted at all.
+    if (utf8.empty() || utf8.size() > static_cast<std::size_t>(INT_MAX)) {
+        return {};
+    }
+    const int inLength = static_cast<int>(utf8.size());
+    const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), inLength, nullptr, 0);
+    if (length < 1) {
+        return {};
+    }
+    std::wstring wide(static_cast<std::size_t>(length), L'\0');
+    const int written = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), inLength, wide.data(), length);
+    if (written < 1) {
+        return {};
+    }
+    wide.resize(static_cast<std::size_t>(written));
+    return wide;
+}
+
+std::string WideToUtf8(std::wstring_view wide) {
+    if (wide.empty() || wide.size() > static_cast<std::size_t>(INT_MAX)) {
+        return {};
+    }
+    const int inLength = static_cast<int>(wide.size());
+    const int length =
+        WideCharToMultiByte(CP_UTF8, 0, wide.data(), inLength, nullptr, 0, nullptr, nullptr);
+    if (length < 1) {
+        return {};
+    }
+    std::string utf8(static_cast<std::size_t>(length), '\0');
+    const int written = WideCharToMultiByte(CP_UTF8, 0, wide.data(), inLength, utf8.data(), length,
+                                            nullptr, nullptr);
+    if (written < 1) {
+        return {};
+    }
+    utf8.resize(static_cast<std::size_t>(written));
+    return utf8;
+}
+
+#else
+
+// Our own converter, written to give the same text as the Windows converter (as Wine implements
+// it), including how many U+FFFD a broken sequence turns into, so that both builds agree.
+
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr bool kWideIsUtf16 = sizeof(wchar_t) == 2;
+
+bool IsContinuation(unsigned char byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+bool IsSurrogate(char32_t value) {
+    return value >= 0xD800 && value <= 0xDFFF;
+}
+
+// Continuation bytes a lead byte announces; 0 for bytes that cannot start a sequence: continuation
+// bytes, C0/C1 (always overlong) and F5..FF (always beyond U+10FFFF).
+std::size_t TrailCount(unsigned char lead) {
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        return 1;
+    }
+    if (lead >= 0xE0 && lead <= 0xEF) {
+        return 2;
+    }
+    if (lead >= 0xF0 && lead <= 0xF4) {
+        return 3;
+    }
+    return 0;
+}
+
+// The second byte's range that keeps the sequence shortest-form, off the surrogates and at most
+// U+10FFFF.
+bool SecondByteAllowed(unsigned char lead, unsigned char second) {
+    switch (lead) {
+    case 0xE0:
+        return second >= 0xA0;
+    case 0xED:
+        return second <= 0x9F;
+    case 0xF0:
+        return second >= 0x90;
+    case 0xF4:
+        return second <= 0x8F;
+    default:
+        return true;
+    }
+}
+
+// Decodes the sequence whose lead byte (not ASCII) is at pos and moves pos past what it uses up.
+// Like the system converter: a sequence that the end of the text cuts short swallows the rest of
+// the text; a continuation byte in the wrong range for the second position is used up with the
+// lead; any other bad byte is left to start the next sequence.
+char32_t DecodeSequence(std::string_view utf8, std::size_t& pos) {
+    const auto lead = static_cast<unsigned char>(utf8[pos]);
+    const std::size_t trail = TrailCount(lead);
+    ++pos;
+    if (trail == 0) {
+        return kReplacement;
+    }
+    if (utf8.size() - pos < trail) {
+        pos = utf8.size();
+        return kReplacement;
+    }
+    const auto second = static_cast<unsigned char>(utf8[pos]);
+    if (!IsContinuation(second)) {
+        return kReplacement;
+    }
+    ++pos;
+    if (!SecondByteAllowed(lead, second)) {
+        return kReplacement;
+    }
+    char32_t value = lead & (0x3F >> trail);
+    value = (value << 6) | (second & 0x3F);
+    for (std::size_t i = 1; i < trail; ++i) {
+        const auto next = static_cast<unsigned char>(utf8[pos]);
+        if (!IsContinuation(next)) {
+            return kReplacement;
+        }
+        ++pos;
+        value = (value << 6) | (next & 0x3F);
+    }
+    return value;
+}
+
+void AppendWide(std::wstring& wide, char32_t value) {
+    if (kWideIsUtf16 && value > 0xFFFF) {
+        value -= 0x10000;
+        wide.push_back(static_cast<wchar_t>(0xD800 + (value >> 10)));
+        wide.push_back(static_cast<wchar_t>(0xDC00 + (value & 0x3FF)));
+    } else {
+        wide.push_back(static_cast<wchar_t>(value));
+    }
+}
+
+void AppendUtf8(std::string& utf8, char32_t value) {
+    if (value < 0x80) {
+        utf8.push_back(static_cast<char>(value));
+    } else if (value < 0x800) {
+        utf8.push_back(static_cast<char>(0xC0 | (value >> 6)));
+        utf8.push_back(static_cast<char>(0x80 | (value & 0x3F)));
+    } else if (value < 0x10000) {
+        utf8.push_back(static_cast<char>(0xE0 | (value >> 12)));
+        utf8.push_back(static_cast<char>(0x80 | ((value >> 6) & 0x3F)));
+        utf8.push_back(static_cast<char>(0x80 | (value & 0x3F)));
+    } else {
+        utf8.push_back(static_cast<char>(0xF0 | (value >> 18)));
+        utf8.push_back(static_cast<char>(0x80 | ((value >> 12) & 0x3F)));
+        utf8.push_back(static_cast<char>(0x80 | ((value >> 6) & 0x3F)));
+        utf8.push_back(static_cast<char>(0x80 | (value & 0x3F)));
+    }
+}
+
+// Reads the code point at pos and moves pos past it; anything that is not a scalar value (an
+// unpaired surrogate, or beyond U+10FFFF where wchar_t holds whole code points) reads as U+FFFD.
+char32_t ReadWide(std::wstring_view wide, std::size_t& pos) {
+    // Through the unsigned type of the same width, so that a negative wchar_t reads as too large.
+    using Unit = std::conditional_t<kWideIsUtf16, char16_t, char32_t>;
+    const char32_t unit = static_cast<Unit>(wide[pos++]);
+    if (kWideIsUtf16 && unit >= 0xD800 && unit <= 0xDBFF && pos < wide.size()) {
+        const char32_t low = static_cast<Unit>(wide[pos]);
+        if (low >= 0xDC00 && low <= 0xDFFF) {
+            ++pos;
+            return 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+        }
+    }
+    if (IsSurrogate(unit) || unit > 0x10FFFF) {
+        return kReplacement;
+    }
+    return unit;
+}
+
+} // namespace
+
+std::wstring Utf8ToWide(std::string_view utf8) {
+    std::wstring wide;
+    wide.reserve(utf8.size());
+    std::size_t pos = 0;
+    while (pos < utf8.size()) {
+        const auto byte = static_cast<unsigned char>(utf8[pos]);
+        if (byte < 0x80) {
+            wide.push_back(static_cast<wchar_t>(byte));
+            ++pos;
+        } else {
+            AppendWide(wide, DecodeSequence(utf8, pos));
+        }
+    }
+    return wide;
+}
+
+std::string WideToUtf8(std::wstring_view wide) {
+    std::string utf8;
+    utf8.reserve(wide.size());
+    std::size_t pos = 0;
+    while (pos < wide.size()) {
+        AppendUtf8(utf8, ReadWide(wide, pos));
+    }
+    return utf8;
+}
+
+#endif
+
+} // namespace platform::os

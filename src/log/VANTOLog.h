@@ -1,0 +1,50 @@
+// The component's two logging helpers: the method-scope record and the free-text message.
+#pragma once
+
+#include "host/GUserText.h"
+#include "host/HostLog.h"
+
+#include <initializer_list>
+#include <string>
+#include <type_traits>
+
+class VANTOManager;
+
+namespace vanto {
+
+enum LogType : int { LogTypeScope = 0, LogTypeMessage = 1 };
+enum Severity : int { SeverityError = 0, SeverityWarning = 1, SeverityInformation = 2 };
+
+// Source tag of every record the component writes.
+inline constexpr const wchar_t* LogSource = L"VANTO";
+
+// Opens the method-scope record; keep the result alive until the method returns.
+inline LogEntry OpenScope(const wchar_t* methodTag) {
+    return LogEntry(LogTypeScope, GUserText(LogSource), GUserText(methodTag), SeverityInformation);
+}
+
+// printf-style formatting of wide texts with "%s" as the one conversion. It never reads past the
+// arguments it was given: a "%s" without an argument stays in the text as it is, "%%" is one "%",
+// and anything else after a "%" (including "%n" and a trailing "%") is copied literally.
+std::wstring FormatLogText(const std::wstring& format, std::initializer_list<const wchar_t*> args);
+
+void WriteLogMessage(int severity, const std::wstring& text);
+
+} // namespace vanto
+
+// Formats `format` with the wide texts `args` and writes it to the developer log.
+template <class... Args>
+void LogMessage(const VANTOManager* /*owner*/, int severity, GUserText format,
+                const Args&... args) {
+    const auto wide = [](const auto& arg) -> const wchar_t* {
+        using Arg = std::decay_t<decltype(arg)>;
+        if constexpr (std::is_same_v<Arg, GUserText>) {
+            return arg.c_str();
+        } else if constexpr (std::is_same_v<Arg, std::wstring>) {
+            return arg.c_str();
+        } else {
+            return arg;
+        }
+    };
+    vanto::WriteLogMessage(severity, vanto::FormatLogText(format.wstr(), {wide(args)...}));
+}

@@ -1,0 +1,194 @@
+#include "support/ComTestSupport.h"
+
+#include "host/HostLog.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr IID IID_Unrelated = {
+    0x12345678, 0x1234, 0x1234, {0x12, 0x34, 0x12, 0x34, 0x56, 0x78, 0x9a, 0xbc}};
+
+struct HResultReport {
+    HRESULT hr;
+    int line;
+};
+
+std::vector<HResultReport> Reports(const CapturingLogSink& log) {
+    std::vector<HResultReport> reports;
+    for (const LogRecord& record : log.records) {
+        if (record.kind == LogRecord::Kind::HResultError) {
+            EXPECT_EQ("VANTO", record.file);
+            EXPECT_EQ("DllGetClassObject", record.function);
+            reports.push_back({record.hr, record.line});
+        }
+    }
+    return reports;
+}
+
+TEST(DllGetClassObject, ChecksPointerThenInterfaceThenClass) {
+    CapturingLogSink log;
+    EXPECT_EQ(E_INVALIDARG, DllGetClassObject(IID_Unrelated, IID_Unrelated, nullptr));
+
+    void* out = &log;
+    // Both identifiers wrong: the interface is looked at first.
+    EXPECT_EQ(E_NOINTERFACE, DllGetClassObject(IID_Unrelated, IID_Unrelated, &out));
+    EXPECT_EQ(nullptr, out);
+
+    out = &log;
+    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, DllGetClassObject(IID_Unrelated, IID_IClassFactory, &out));
+    EXPECT_EQ(nullptr, out);
+
+    const std::vector<HResultReport> reports = Reports(log);
+    ASSERT_EQ(3u, reports.size());
+    EXPECT_EQ(E_INVALIDARG, reports[0].hr);
+    EXPECT_EQ(93, reports[0].line);
+    EXPECT_EQ(E_NOINTERFACE, reports[1].hr);
+    EXPECT_EQ(99, reports[1].line);
+    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, reports[2].hr);
+    EXPECT_EQ(105, reports[2].line);
+}
+
+TEST(DllGetClassObject, HandsOutAFreshFactoryWithOneReference) {
+    CapturingLogSink log;
+    IClassFactory* first = nullptr;
+    IUnknown* second = nullptr;
+    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                      reinterpret_cast<void**>(&first)));
+    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IUnknown,
+                                      reinterpret_cast<void**>(&second)));
+    EXPECT_NE(static_cast<IUnknown*>(first), second);
+    EXPECT_EQ(1u, testsupport::RefCount(first));
+    EXPECT_EQ(2u, first->AddRef());
+    EXPECT_EQ(1u, first->Release());
+    EXPECT_EQ(0u, first->Release());
+    EXPECT_EQ(0u, second->Release());
+    EXPECT_TRUE(Reports(log).empty());
+}
+
+TEST(ClassFactory, QueryInterfaceLeavesOutputAloneForOtherInterfaces) {
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                      reinterpret_cast<void**>(&factory)));
+    void* out = &factory;
+    EXPECT_EQ(E_NOINTERFACE, factory->QueryInterface(IID_IVANTOSession, &out));
+    EXPECT_EQ(static_cast<void*>(&factory), out);
+    IUnknown* unknown = nullptr;
+    EXPECT_EQ(S_OK, factory->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown)));
+    EXPECT_EQ(static_cast<IUnknown*>(factory), unknown);
+    EXPECT_EQ(1u, unknown->Release());
+    EXPECT_EQ(0u, factory->Release());
+}
+
+TEST(ClassFactory, CreatesManagersForEachInterface) {
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                      reinterpret_cast<void**>(&factory)));
+    for (const IID* iid : {&IID_IUnknown, &IID_IVANTOSession, &IID_IVANTOFileServices,
+                           &IID_IVANTOMockSession, &IID_IVANTOMockFileServices}) {
+        IUnknown* object = nullptr;
+        ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, *iid, reinterpret_cast<void**>(&object)));
+        EXPECT_EQ(1u, testsupport::RefCount(object));
+        EXPECT_EQ(0u, object->Release());
+    }
+    void* out = &factory;
+    EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, IID_IClassFactory, &out));
+    EXPECT_EQ(nullptr, out);
+    factory->Release();
+}
+
+// An outer object that counts what the aggregated manager forwards to it.
+class Outer : public IUnknown {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
+        ++queries;
+        if (inner != nullptr && !IsEqualIID(riid, IID_IUnknown)) {
+            return inner->QueryInterface(riid, ppv);
+        }
+        *ppv = this;
+        AddRef();
+        return S_OK;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++count; }
+    ULONG STDMETHODCALLTYPE Release() override { return --count; }
+    virtual ~Outer() = default;
+
+    IUnknown* inner = nullptr;
+    ULONG count = 1;
+    int queries = 0;
+};
+
+TEST(ClassFactory, AggregationAsksForTheInnerUnknownOnly) {
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                      reinterpret_cast<void**>(&factory)));
+    Outer outer;
+    void* out = &outer;
+    EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(&outer, IID_IVANTOSession, &out));
+    EXPECT_EQ(nullptr, out);
+
+    ASSERT_EQ(S_OK, factory->CreateInstance(&outer, IID_IUnknown,
+                                            reinterpret_cast<void**>(&outer.inner)));
+    factory->Release();
+    EXPECT_EQ(1u, testsupport::RefCount(outer.inner));
+
+    // Every nested interface forwards IUnknown to the outer object.
+    for (const IID* iid : {&IID_IVANTOSession, &IID_IVANTOFileServices, &IID_IVANTOMockSession,
+                           &IID_IVANTOMockFileServices}) {
+        IUnknown* nested = nullptr;
+        ASSERT_EQ(S_OK, outer.inner->QueryInterface(*iid, reinterpret_cast<void**>(&nested)));
+        EXPECT_EQ(2u, outer.count);
+        EXPECT_EQ(3u, nested->AddRef());
+        EXPECT_EQ(2u, nested->Release());
+        const int queriesBefore = outer.queries;
+        IUnknown* viaNested = nullptr;
+        EXPECT_EQ(S_OK, nested->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&viaNested)));
+        EXPECT_EQ(queriesBefore + 1, outer.queries);
+        EXPECT_EQ(static_cast<IUnknown*>(&outer), viaNested);
+        viaNested->Release();
+        EXPECT_EQ(1u, nested->Release());
+        EXPECT_EQ(1u, testsupport::RefCount(outer.inner));
+    }
+    EXPECT_EQ(0u, outer.inner->Release());
+}
+
+TEST(Manager, HandsOutEachInterfaceAndRefusesOthers) {
+    testsupport::ManagerHandle manager;
+    void* out = &manager;
+    EXPECT_EQ(E_NOINTERFACE, manager.Unknown()->QueryInterface(IID_IClassFactory, &out));
+    EXPECT_EQ(nullptr, out);
+
+    IVANTOSession* session = manager.Session();
+    ASSERT_NE(nullptr, session);
+    EXPECT_NE(static_cast<void*>(session), static_cast<void*>(manager.MockSession()));
+    EXPECT_NE(static_cast<void*>(manager.FileServices()),
+              static_cast<void*>(manager.MockFileServices()));
+
+    // A nested interface raises the manager's own count and reaches its siblings.
+    IVANTOFileServices* files = nullptr;
+    ASSERT_EQ(S_OK,
+              session->QueryInterface(IID_IVANTOFileServices, reinterpret_cast<void**>(&files)));
+    EXPECT_EQ(manager.FileServices(), files);
+    EXPECT_EQ(2u, testsupport::RefCount(manager.Unknown()));
+    EXPECT_EQ(1u, files->Release());
+}
+
+TEST(DllCanUnloadNow, FollowsLocksAndStaysBusyOnceAManagerHasGone) {
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                      reinterpret_cast<void**>(&factory)));
+    const HRESULT before = DllCanUnloadNow();
+    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
+    EXPECT_EQ(S_FALSE, DllCanUnloadNow());
+    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
+    EXPECT_EQ(before, DllCanUnloadNow());
+
+    IUnknown* manager = nullptr;
+    ASSERT_EQ(S_OK,
+              factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&manager)));
+    factory->Release();
+    manager->Release();
+    EXPECT_EQ(S_FALSE, DllCanUnloadNow());
+}
+
+} // namespace

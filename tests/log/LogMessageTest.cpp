@@ -1,0 +1,60 @@
+#include "entry/VANTOManager.h"
+#include "log/VANTOLog.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using vanto::FormatLogText;
+
+TEST(FormatLogText, SubstitutesWideTextsInOrder) {
+    EXPECT_EQ(L"File Name : a.par, is checked out to : bob",
+              FormatLogText(L"File Name : %s, is checked out to : %s", {L"a.par", L"bob"}));
+    EXPECT_EQ(L"plain", FormatLogText(L"plain", {}));
+    EXPECT_EQ(L"", FormatLogText(L"", {L"unused"}));
+    EXPECT_EQ(L"100% done", FormatLogText(L"100%% done", {}));
+}
+
+TEST(FormatLogText, NeverReadsPastItsArguments) {
+    // More conversions than arguments: the extra ones stay as written.
+    EXPECT_EQ(L"a=x b=%s c=%s", FormatLogText(L"a=%s b=%s c=%s", {L"x"}));
+    // Conversions the component never uses are copied, never interpreted.
+    EXPECT_EQ(L"%n%d%p%x%ls%S%*s", FormatLogText(L"%n%d%p%x%ls%S%*s", {L"arg"}));
+    // A stray percent sign at the end of an exception text.
+    EXPECT_EQ(L"disk 100%", FormatLogText(L"disk 100%", {}));
+    EXPECT_EQ(L"%", FormatLogText(L"%", {}));
+    // A null argument does not crash.
+    EXPECT_EQ(L"value (null)", FormatLogText(L"value %s", {nullptr}));
+}
+
+TEST(LogMessage, WritesOneMessageRecordWithTheComponentSource) {
+    CapturingLogSink log;
+    LogMessage(nullptr, vanto::SeverityWarning, GUserText(L"Corvane RootFolder is : %s "),
+               GUserText(L"C:\\Corvane"));
+    ASSERT_EQ(1u, log.records.size());
+    const LogRecord& record = log.records[0];
+    EXPECT_EQ(LogRecord::Kind::Message, record.kind);
+    EXPECT_EQ(1, record.logType);
+    EXPECT_EQ(L"VANTO", record.source);
+    EXPECT_EQ(1, record.severity);
+    EXPECT_EQ(L"Corvane RootFolder is : C:\\Corvane ", record.message);
+}
+
+TEST(LogMessage, ScopeRecordsOpenAndCloseAroundEveryPath) {
+    CapturingLogSink log;
+    {
+        const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOSession::IsConnected");
+        EXPECT_EQ(1u, log.records.size());
+    }
+    ASSERT_EQ(2u, log.records.size());
+    for (const LogRecord& record : log.records) {
+        EXPECT_EQ(0, record.logType);
+        EXPECT_EQ(L"VANTO", record.source);
+        EXPECT_EQ(L"VANTOManager::VANTOSession::IsConnected", record.message);
+        EXPECT_EQ(2, record.severity);
+    }
+    EXPECT_EQ(LogRecord::Kind::ScopeOpen, log.records[0].kind);
+    EXPECT_EQ(LogRecord::Kind::ScopeClose, log.records[1].kind);
+}
+
+} // namespace
