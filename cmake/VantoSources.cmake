@@ -17,7 +17,7 @@ target_include_directories(vanto_platform_objects PUBLIC ${PROJECT_SOURCE_DIR}/i
                                                          ${PROJECT_SOURCE_DIR}/platform)
 target_link_libraries(vanto_platform_objects PUBLIC vanto_boost)
 if(WIN32)
-  target_link_libraries(vanto_platform_objects PUBLIC ole32 uuid advapi32)
+  target_link_libraries(vanto_platform_objects PUBLIC ole32 oleaut32 uuid advapi32)
 endif()
 add_library(vanto_platform STATIC $<TARGET_OBJECTS:vanto_platform_objects>)
 target_link_libraries(vanto_platform PUBLIC vanto_platform_objects)
@@ -36,7 +36,7 @@ target_link_libraries(VANTO PRIVATE vanto_boost)
 set_target_properties(VANTO PROPERTIES PREFIX "" OUTPUT_NAME "VANTO")
 if(WIN32)
   target_sources(VANTO PRIVATE ${PROJECT_SOURCE_DIR}/src/entry/VANTO.def)
-  target_link_libraries(VANTO PRIVATE ole32 uuid advapi32)
+  target_link_libraries(VANTO PRIVATE ole32 oleaut32 uuid advapi32)
 else()
   target_link_options(VANTO PRIVATE
                       -Wl,--version-script=${PROJECT_SOURCE_DIR}/src/entry/VANTO.map

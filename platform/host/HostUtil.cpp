@@ -1,17 +1,17 @@
 #include "host/HostUtil.h"
 
 #include "host/HostLog.h"
+#include "os/ProcessInfo.h"
+#include "os/UserValues.h"
 
-#include <cwchar>
-#include <map>
+#include <optional>
 #include <string>
 
 namespace {
 
 struct HostState {
     int majorVersion = 2024;
-    GUserText productPath;
-    std::map<std::wstring, std::wstring> userValues;
+    std::optional<GUserText> productPath;
 };
 
 HostState& State() {
@@ -36,20 +36,19 @@ int GetHostMajorVersion() {
 }
 
 void GetHostProductPath(int /*which*/, GUserText& path) {
-    path = State().productPath;
+    path =
+        State().productPath ? *State().productPath : GUserText(platform::os::ExecutableDirectory());
 }
 
-bool GetHostCommonUserValue(const wchar_t* name, wchar_t (&value)[HostUserValueLength],
-                            int /*scope*/) {
+bool GetHostCommonUserValue(const wchar_t* name, wchar_t (&value)[HostUserValueLength], int scope) {
     value[0] = L'\0';
     if (name == nullptr) {
         return false;
     }
-    const auto found = State().userValues.find(name);
-    if (found == State().userValues.end()) {
+    std::wstring text;
+    if (!platform::os::ReadUserValue(scope, name, text)) {
         return false;
     }
-    const std::wstring& text = found->second;
     const std::size_t length =
         text.size() < HostUserValueLength - 1 ? text.size() : HostUserValueLength - 1;
     text.copy(value, length);
@@ -57,12 +56,11 @@ bool GetHostCommonUserValue(const wchar_t* name, wchar_t (&value)[HostUserValueL
     return true;
 }
 
-bool SetHostCommonUserValue(const wchar_t* name, const wchar_t* value, int /*scope*/) {
+bool SetHostCommonUserValue(const wchar_t* name, const wchar_t* value, int scope) {
     if (name == nullptr) {
         return false;
     }
-    State().userValues[name] = value != nullptr ? value : L"";
-    return true;
+    return platform::os::WriteUserValue(scope, name, value != nullptr ? value : L"");
 }
 
 namespace HostTesting {
@@ -72,7 +70,13 @@ void SetMajorVersion(int version) {
 void SetProductPath(const GUserText& path) {
     State().productPath = path;
 }
+void UseDefaultProductPath() {
+    State().productPath.reset();
+}
+void UseScratchUserValues(const std::wstring& tag) {
+    platform::os::UseScratchUserValueStore(tag);
+}
 void ClearUserValues() {
-    State().userValues.clear();
+    platform::os::ClearUserValueStore();
 }
 } // namespace HostTesting

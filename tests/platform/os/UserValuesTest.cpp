@@ -1,0 +1,99 @@
+#include "os/UserValues.h"
+#include "host/HostUtil.h"
+#include "os/Os.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using platform::os::ReadUserValue;
+using platform::os::WriteUserValue;
+
+// Runs on the binary's scratch store and leaves it empty.
+class UserValues : public ::testing::Test {
+protected:
+    void SetUp() override { platform::os::ClearUserValueStore(); }
+    void TearDown() override { platform::os::ClearUserValueStore(); }
+};
+
+TEST_F(UserValues, TextsComeBackAsWritten) {
+    const std::wstring texts[] = {
+        L"C:\\Users\\ann\\Corvane",    L"a=b=c", L"two\nlines\r", L"trailing\\",
+        L"\u00e9t\u00e9 \u6587\u4ef6", L""};
+    int index = 0;
+    for (const std::wstring& text : texts) {
+        const std::wstring name = L"Value" + std::to_wstring(index++);
+        ASSERT_TRUE(WriteUserValue(1, name, text));
+    }
+    index = 0;
+    for (const std::wstring& text : texts) {
+        std::wstring read = L"untouched";
+        EXPECT_TRUE(ReadUserValue(1, L"Value" + std::to_wstring(index++), read));
+        EXPECT_EQ(text, read);
+    }
+}
+
+TEST_F(UserValues, NamesAndScopesAreKeptApart) {
+    ASSERT_TRUE(WriteUserValue(1, L"CorvaneRootFolderPath", L"first"));
+    ASSERT_TRUE(WriteUserValue(2, L"CorvaneRootFolderPath", L"other scope"));
+    ASSERT_TRUE(WriteUserValue(1, L"Corvane=RootFolderPath", L"odd name"));
+    ASSERT_TRUE(WriteUserValue(1, L"CorvaneRootFolderPath", L"second"));
+
+    std::wstring read;
+    EXPECT_TRUE(ReadUserValue(1, L"CorvaneRootFolderPath", read));
+    EXPECT_EQ(L"second", read);
+    EXPECT_TRUE(ReadUserValue(2, L"CorvaneRootFolderPath", read));
+    EXPECT_EQ(L"other scope", read);
+    EXPECT_TRUE(ReadUserValue(1, L"Corvane=RootFolderPath", read));
+    EXPECT_EQ(L"odd name", read);
+
+    read = L"untouched";
+    EXPECT_FALSE(ReadUserValue(3, L"CorvaneRootFolderPath", read));
+    EXPECT_FALSE(ReadUserValue(1, L"corvanerootfolderpath", read));
+    EXPECT_EQ(L"untouched", read);
+}
+
+// The values live in the store, not in the process: another store does not see them, and coming
+// back to the first finds them again.
+TEST_F(UserValues, ValuesStayInTheirStore) {
+    const std::wstring mine = L"tests-" + std::to_wstring(platform::os::CurrentProcessId());
+    ASSERT_TRUE(WriteUserValue(1, L"Kept", L"here"));
+
+    platform::os::UseScratchUserValueStore(mine + L"-other");
+    std::wstring read;
+    EXPECT_FALSE(ReadUserValue(1, L"Kept", read));
+    ASSERT_TRUE(WriteUserValue(1, L"Kept", L"elsewhere"));
+    platform::os::ClearUserValueStore();
+
+    platform::os::UseScratchUserValueStore(mine);
+    EXPECT_TRUE(ReadUserValue(1, L"Kept", read));
+    EXPECT_EQ(L"here", read);
+
+    platform::os::ClearUserValueStore();
+    EXPECT_FALSE(ReadUserValue(1, L"Kept", read));
+}
+
+TEST_F(UserValues, HostBufferIsCutAndTerminated) {
+    wchar_t buffer[HostUserValueLength];
+    buffer[0] = L'x';
+    EXPECT_FALSE(GetHostCommonUserValue(L"Missing", buffer, 1));
+    EXPECT_EQ(L'\0', buffer[0]);
+    EXPECT_FALSE(GetHostCommonUserValue(nullptr, buffer, 1));
+    EXPECT_FALSE(SetHostCommonUserValue(nullptr, L"x", 1));
+
+    const std::wstring exact(HostUserValueLength - 1, L'a');
+    ASSERT_TRUE(SetHostCommonUserValue(L"Exact", exact.c_str(), 1));
+    ASSERT_TRUE(GetHostCommonUserValue(L"Exact", buffer, 1));
+    EXPECT_EQ(exact, std::wstring(buffer));
+
+    ASSERT_TRUE(SetHostCommonUserValue(L"Long", (exact + L"bc").c_str(), 1));
+    ASSERT_TRUE(GetHostCommonUserValue(L"Long", buffer, 1));
+    EXPECT_EQ(exact, std::wstring(buffer));
+
+    // The scope separates the host's values too.
+    EXPECT_FALSE(GetHostCommonUserValue(L"Long", buffer, 0));
+}
+
+} // namespace
