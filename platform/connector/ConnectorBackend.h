@@ -19,6 +19,9 @@ public:
     virtual bool IsRunning() = 0;
     virtual bool IsReady() = 0;
     virtual void LaunchApplication(const Core::TevString& arguments) = 0;
+
+    // False makes CreateCorvaneProxy hand out no proxy (a test seam; the library always does).
+    virtual bool ProxyAvailable() { return true; }
 };
 
 // Installs a backend (nullptr restores the default); returns the previous one.

@@ -59,6 +59,9 @@ ConnectorBackend& CurrentConnectorBackend() {
 }
 
 ICorvaneProxy* CorvaneProxyFactory::CreateCorvaneProxy() {
+    if (!CurrentConnectorBackend().ProxyAvailable()) {
+        return nullptr;
+    }
     // The library keeps every proxy it hands out for the life of the process.
     static auto* proxies = new std::vector<std::unique_ptr<Proxy>>();
     proxies->push_back(std::make_unique<Proxy>());

@@ -59,6 +59,8 @@ public:
     std::vector<std::string> launchArguments;
     // A launch makes the connector run.
     bool launchStartsRunning = true;
+    // False: managers made while it is so get no proxy.
+    bool proxyAvailable = true;
 
     // The "Command" value of a request text; empty when it has none.
     static std::string CommandOf(const std::string& request);
@@ -70,6 +72,7 @@ public:
     bool IsRunning() override { return running; }
     bool IsReady() override;
     void LaunchApplication(const Core::TevString& arguments) override;
+    bool ProxyAvailable() override { return proxyAvailable; }
 
 private:
     struct ScriptedFailure {
