@@ -1,0 +1,629 @@
+// The one reader and the one writer of protocol records (rules in RecordIO.h).
+//
+// The reader is a handler of Boost.JSON's basic_parser: records are filled while the text is
+// parsed, with no JSON tree in between, which keeps a large answer at the cost of its records.
+// It fills a fresh record of the same type, and members go over to the caller's record only
+// once the whole text has proved to be one valid document.
+#include "protocol/RecordIO.h"
+
+#include <boost/json/basic_parser_impl.hpp>
+
+#include <charconv>
+#include <limits>
+#include <string>
+
+namespace vanto::protocol {
+
+namespace {
+
+using boost::json::error_code;
+using boost::json::string_view;
+
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+// Longer keys name no member, so they are not collected.
+constexpr std::size_t MaxKeyLength = 64;
+
+std::string_view View(string_view text) noexcept {
+    return {text.data(), text.size()};
+}
+
+bool FitsInt32(std::int64_t value) noexcept {
+    return value >= std::numeric_limits<std::int32_t>::min() &&
+           value <= std::numeric_limits<std::int32_t>::max();
+}
+
+using TextList = Core::DynamicArray<Core::TevString>;
+using IntegerList = Core::DynamicArray<std::int32_t>;
+
+// Moves one member of a finished record into the caller's record.
+void TakeOver(const Field& field, void* to, void* from) noexcept {
+    void* target = field.member(to);
+    void* source = field.member(from);
+    switch (field.kind) {
+    case Kind::Text:
+        *static_cast<Core::TevString*>(target) = std::move(*static_cast<Core::TevString*>(source));
+        break;
+    case Kind::Integer:
+        *static_cast<std::int32_t*>(target) = *static_cast<std::int32_t*>(source);
+        break;
+    case Kind::Flag:
+        *static_cast<bool*>(target) = *static_cast<bool*>(source);
+        break;
+    case Kind::Texts:
+        *static_cast<TextList*>(target) = std::move(*static_cast<TextList*>(source));
+        break;
+    case Kind::Integers:
+        *static_cast<IntegerList*>(target) = std::move(*static_cast<IntegerList*>(source));
+        break;
+    case Kind::Record:
+        field.nested().moveRecord(target, source);
+        break;
+    case Kind::Records:
+        field.nested().listMove(target, source);
+        break;
+    }
+}
+
+// basic_parser handler that builds records as the events come.
+class RecordBuilder {
+public:
+    static constexpr std::size_t max_object_size = std::size_t(-1);
+    static constexpr std::size_t max_array_size = std::size_t(-1);
+    static constexpr std::size_t max_key_size = std::size_t(-1);
+    static constexpr std::size_t max_string_size = std::size_t(-1);
+
+    // `completed` collects the fields of the top record whose value was read completely, by
+    // declared index; it outlives the builder so that a failure can keep them.
+    RecordBuilder(void* record, const Schema& schema, std::uint64_t& completed) noexcept
+        : top_(record), schema_(schema), completed_(completed) {}
+    ~RecordBuilder() {
+        while (depth_ > 0) {
+            Release(frames_[--depth_]);
+        }
+    }
+    RecordBuilder(const RecordBuilder&) = delete;
+    RecordBuilder& operator=(const RecordBuilder&) = delete;
+
+    bool on_document_begin(error_code&) { return true; }
+    bool on_document_end(error_code&) { return true; }
+    bool on_comment_part(string_view, error_code&) { return true; }
+    bool on_comment(string_view, error_code&) { return true; }
+    bool on_number_part(string_view, error_code&) { return true; }
+
+    bool on_object_begin(error_code&) {
+        if (skip_ > 0) {
+            ++skip_;
+            return true;
+        }
+        if (depth_ == 0) {
+            Push(Frame::Type::Record, &schema_, top_, nullptr);
+            return true;
+        }
+        Frame& frame = frames_[depth_ - 1];
+        switch (frame.type) {
+        case Frame::Type::Record: {
+            const Field* field = TakePending(frame);
+            if (field != nullptr && field->kind == Kind::Record) {
+                const Schema& nested = field->nested();
+                Push(Frame::Type::Record, &nested, nested.create(), field);
+            } else {
+                ++skip_;
+            }
+            break;
+        }
+        case Frame::Type::Records:
+            Push(Frame::Type::Record, frame.schema, frame.schema->create(), nullptr);
+            break;
+        default:
+            AppendDefault(frame);
+            ++skip_;
+            break;
+        }
+        return true;
+    }
+
+    bool on_object_end(std::size_t members, error_code&) {
+        if (skip_ > 0) {
+            --skip_;
+            return true;
+        }
+        const Frame& done = frames_[--depth_];
+        if (depth_ == 0) {
+            return true; // the top record itself
+        }
+        Frame& parent = frames_[depth_ - 1];
+        if (parent.type == Frame::Type::Records) {
+            parent.schema->listAppend(parent.List(), done.object);
+        } else if (members > 0) {
+            done.schema->adopt(done.field->member(parent.object), done.object);
+            MarkCompleted(done.field, depth_);
+        } else {
+            done.schema->destroy(done.object); // {} holds no data
+        }
+        return true;
+    }
+
+    bool on_array_begin(error_code&) {
+        if (skip_ > 0 || depth_ == 0) {
+            ++skip_;
+            return true;
+        }
+        Frame& frame = frames_[depth_ - 1];
+        if (frame.type == Frame::Type::Record) {
+            const Field* field = TakePending(frame);
+            if (field == nullptr) {
+                ++skip_;
+            } else if (field->kind == Kind::Texts) {
+                Push(Frame::Type::Texts, nullptr, nullptr, field);
+                ::new (frames_[depth_ - 1].List()) TextList();
+            } else if (field->kind == Kind::Integers) {
+                Push(Frame::Type::Integers, nullptr, nullptr, field);
+                ::new (frames_[depth_ - 1].List()) IntegerList();
+            } else if (field->kind == Kind::Records) {
+                const Schema& nested = field->nested();
+                Push(Frame::Type::Records, &nested, nullptr, field);
+                nested.listConstruct(frames_[depth_ - 1].List());
+            } else {
+                ++skip_;
+            }
+        } else {
+            AppendDefault(frame);
+            ++skip_;
+        }
+        return true;
+    }
+
+    bool on_array_end(std::size_t elements, error_code&) {
+        if (skip_ > 0) {
+            --skip_;
+            return true;
+        }
+        Frame& done = frames_[depth_ - 1];
+        if (elements > 0) {
+            Frame& parent = frames_[depth_ - 2];
+            void* member = done.field->member(parent.object);
+            switch (done.type) {
+            case Frame::Type::Texts:
+                *static_cast<TextList*>(member) = std::move(*static_cast<TextList*>(done.List()));
+                break;
+            case Frame::Type::Integers:
+                *static_cast<IntegerList*>(member) =
+                    std::move(*static_cast<IntegerList*>(done.List()));
+                break;
+            default:
+                done.schema->listMove(member, done.List());
+                break;
+            }
+            MarkCompleted(done.field, depth_ - 1);
+        }
+        Release(done);
+        --depth_;
+        return true;
+    }
+
+    bool on_key_part(string_view part, std::size_t, error_code&) {
+        if (skip_ > 0) {
+            return true;
+        }
+        if (key_.size() + part.size() <= MaxKeyLength) {
+            key_.append(part.data(), part.size());
+        } else {
+            keyTooLong_ = true;
+        }
+        return true;
+    }
+
+    bool on_key(string_view part, std::size_t, error_code&) {
+        if (skip_ > 0) {
+            return true;
+        }
+        Frame& frame = frames_[depth_ - 1];
+        if (keyTooLong_ || key_.size() + part.size() > MaxKeyLength) {
+            frame.pending = nullptr;
+        } else if (key_.empty()) {
+            Find(frame, View(part));
+        } else {
+            key_.append(part.data(), part.size());
+            Find(frame, key_);
+        }
+        key_.clear();
+        keyTooLong_ = false;
+        return true;
+    }
+
+    bool on_string_part(string_view part, std::size_t, error_code&) {
+        if (skip_ == 0 && WantsText()) {
+            text_.append(part.data(), part.size());
+        }
+        return true;
+    }
+
+    bool on_string(string_view part, std::size_t, error_code&) {
+        if (skip_ > 0 || depth_ == 0) {
+            return true;
+        }
+        Frame& frame = frames_[depth_ - 1];
+        Core::TevString value;
+        if (WantsText()) {
+            if (text_.empty()) {
+                value = Core::TevString(View(part));
+            } else {
+                text_.append(part.data(), part.size());
+                value = Core::TevString(std::move(text_));
+                text_.clear();
+            }
+        }
+        if (frame.type == Frame::Type::Texts) {
+            static_cast<TextList*>(frame.List())->push_back(std::move(value));
+        } else if (const Field* field = Scalar(frame, Kind::Text)) {
+            *static_cast<Core::TevString*>(field->member(frame.object)) = std::move(value);
+            MarkCompleted(field, depth_);
+        } else {
+            AppendDefault(frame);
+        }
+        return true;
+    }
+
+    bool on_int64(std::int64_t value, string_view, error_code&) {
+        if (!FitsInt32(value)) {
+            return OtherValue();
+        }
+        if (skip_ > 0 || depth_ == 0) {
+            return true;
+        }
+        Frame& frame = frames_[depth_ - 1];
+        if (frame.type == Frame::Type::Integers) {
+            static_cast<IntegerList*>(frame.List())->push_back(static_cast<std::int32_t>(value));
+        } else if (const Field* field = Scalar(frame, Kind::Integer)) {
+            *static_cast<std::int32_t*>(field->member(frame.object)) =
+                static_cast<std::int32_t>(value);
+            MarkCompleted(field, depth_);
+        } else {
+            AppendDefault(frame);
+        }
+        return true;
+    }
+
+    bool on_uint64(std::uint64_t, string_view, error_code&) { return OtherValue(); }
+    bool on_double(double, string_view, error_code&) { return OtherValue(); }
+    bool on_null(error_code&) { return OtherValue(); }
+
+    bool on_bool(bool value, error_code&) {
+        if (skip_ > 0 || depth_ == 0) {
+            return true;
+        }
+        Frame& frame = frames_[depth_ - 1];
+        if (const Field* field = Scalar(frame, Kind::Flag)) {
+            *static_cast<bool*>(field->member(frame.object)) = value;
+            MarkCompleted(field, depth_);
+        } else {
+            AppendDefault(frame);
+        }
+        return true;
+    }
+
+private:
+    struct Frame {
+        enum class Type : std::uint8_t { Record, Texts, Integers, Records };
+        Type type;
+        // Record: the record's schema; Records: the elements' schema.
+        const Schema* schema;
+        // Record: the record being filled (owned, except the top one).
+        void* object;
+        // The parent's member this value goes to; null for a list element and the top.
+        const Field* field;
+        // Record: the member named by the last key; null when the key names none.
+        const Field* pending;
+        // Record: where the next key is looked for first (keys mostly come in declared order).
+        std::size_t next;
+        // Lists: the new list, built here and moved into the member when complete.
+        alignas(ListStorageModel) unsigned char storage[sizeof(ListStorageModel)];
+
+        void* List() noexcept { return storage; }
+    };
+
+    void Push(Frame::Type type, const Schema* schema, void* object, const Field* field) noexcept {
+        Frame& frame = frames_[depth_++];
+        frame.type = type;
+        frame.schema = schema;
+        frame.object = object;
+        frame.field = field;
+        frame.pending = nullptr;
+        frame.next = 0;
+    }
+
+    void Release(Frame& frame) noexcept {
+        switch (frame.type) {
+        case Frame::Type::Record:
+            if (frame.object != top_) {
+                frame.schema->destroy(frame.object);
+            }
+            break;
+        case Frame::Type::Texts:
+            static_cast<TextList*>(frame.List())->~TextList();
+            break;
+        case Frame::Type::Integers:
+            static_cast<IntegerList*>(frame.List())->~IntegerList();
+            break;
+        case Frame::Type::Records:
+            frame.schema->listDestroy(frame.List());
+            break;
+        }
+    }
+
+    void Find(Frame& frame, std::string_view key) noexcept {
+        frame.pending = nullptr;
+        if (frame.type != Frame::Type::Record) {
+            return;
+        }
+        const Schema& schema = *frame.schema;
+        for (std::size_t tried = 0; tried < schema.count; ++tried) {
+            const std::size_t index = (frame.next + tried) % schema.count;
+            if (schema.fields[index].key == key) {
+                frame.pending = &schema.fields[index];
+                frame.next = index + 1;
+                return;
+            }
+        }
+    }
+
+    static const Field* TakePending(Frame& frame) noexcept {
+        const Field* field = frame.pending;
+        frame.pending = nullptr;
+        return field;
+    }
+
+    // The member a scalar of `kind` goes to, or null when it goes nowhere.
+    static const Field* Scalar(Frame& frame, Kind kind) noexcept {
+        if (frame.type != Frame::Type::Record) {
+            return nullptr;
+        }
+        const Field* field = TakePending(frame);
+        return field != nullptr && field->kind == kind ? field : nullptr;
+    }
+
+    // Whether a string now being read would be kept.
+    bool WantsText() const noexcept {
+        if (depth_ == 0) {
+            return false;
+        }
+        const Frame& frame = frames_[depth_ - 1];
+        return frame.type == Frame::Type::Texts ||
+               (frame.type == Frame::Type::Record && frame.pending != nullptr &&
+                frame.pending->kind == Kind::Text);
+    }
+
+    // A value that no member takes as data: in a list it still takes its place.
+    bool OtherValue() {
+        if (skip_ == 0 && depth_ > 0) {
+            Frame& frame = frames_[depth_ - 1];
+            if (frame.type == Frame::Type::Record) {
+                frame.pending = nullptr;
+            } else {
+                AppendDefault(frame);
+            }
+        }
+        return true;
+    }
+
+    void AppendDefault(Frame& frame) {
+        switch (frame.type) {
+        case Frame::Type::Record:
+            frame.pending = nullptr;
+            break;
+        case Frame::Type::Texts:
+            static_cast<TextList*>(frame.List())->emplace_back();
+            break;
+        case Frame::Type::Integers:
+            static_cast<IntegerList*>(frame.List())->push_back(0);
+            break;
+        case Frame::Type::Records:
+            frame.schema->listAppend(frame.List(), frame.schema->create());
+            break;
+        }
+    }
+
+    // `parentDepth` is the depth of the record that holds the field; 1 is the top record.
+    void MarkCompleted(const Field* field, std::size_t parentDepth) noexcept {
+        if (parentDepth == 1) {
+            completed_ |= std::uint64_t{1} << (field - schema_.fields);
+        }
+    }
+
+    void* top_;
+    const Schema& schema_;
+    Frame frames_[MaxJsonDepth + 1];
+    std::size_t depth_ = 0;
+    // Open containers inside a value that is being passed over.
+    std::size_t skip_ = 0;
+    std::string key_;
+    bool keyTooLong_ = false;
+    std::string text_;
+    std::uint64_t& completed_;
+};
+
+boost::json::parse_options ReaderOptions() noexcept {
+    boost::json::parse_options options;
+    options.max_depth = MaxJsonDepth;
+    options.allow_comments = false;
+    options.allow_trailing_commas = false;
+    options.allow_invalid_utf8 = false;
+    return options;
+}
+
+// Escapes what JSON requires; everything else, UTF-8 included, goes out as it is.
+void AppendString(std::string& out, std::string_view text) {
+    static constexpr char hex[] = "0123456789abcdef";
+    out += '"';
+    std::size_t plain = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c >= 0x20 && c != '"' && c != '\\') {
+            continue;
+        }
+        out.append(text.data() + plain, i - plain);
+        plain = i + 1;
+        switch (c) {
+        case '"':
+            out += "\\\"";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\b':
+            out += "\\b";
+            break;
+        case '\f':
+            out += "\\f";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
+        default: {
+            const char escape[] = {'\\', 'u', '0', '0', hex[c >> 4], hex[c & 0xF]};
+            out.append(escape, sizeof escape);
+            break;
+        }
+        }
+    }
+    out.append(text.data() + plain, text.size() - plain);
+    out += '"';
+}
+
+void AppendInteger(std::string& out, std::int32_t value) {
+    char digits[16];
+    const auto result = std::to_chars(digits, digits + sizeof digits, value);
+    out.append(digits, result.ptr);
+}
+
+void AppendRecord(std::string& out, const void* record, const Schema& schema) {
+    out += '{';
+    bool first = true;
+    for (std::size_t i = 0; i < schema.count; ++i) {
+        const Field& field = schema.fields[i];
+        const void* member = field.member(const_cast<void*>(record));
+        const void* nested = nullptr;
+        if (field.kind == Kind::Record) {
+            nested = field.nested().get(member);
+            if (nested == nullptr) {
+                continue; // an absent record is left out, never written as null
+            }
+        }
+        if (!first) {
+            out += ',';
+        }
+        first = false;
+        out += '"';
+        out.append(field.key.data(), field.key.size());
+        out += "\":";
+        switch (field.kind) {
+        case Kind::Text:
+            AppendString(out, *static_cast<const Core::TevString*>(member));
+            break;
+        case Kind::Integer:
+            AppendInteger(out, *static_cast<const std::int32_t*>(member));
+            break;
+        case Kind::Flag:
+            out += *static_cast<const bool*>(member) ? "true" : "false";
+            break;
+        case Kind::Texts: {
+            out += '[';
+            const auto& list = *static_cast<const TextList*>(member);
+            for (std::size_t e = 0; e < list.size(); ++e) {
+                if (e > 0) {
+                    out += ',';
+                }
+                AppendString(out, list[e]);
+            }
+            out += ']';
+            break;
+        }
+        case Kind::Integers: {
+            out += '[';
+            const auto& list = *static_cast<const IntegerList*>(member);
+            for (std::size_t e = 0; e < list.size(); ++e) {
+                if (e > 0) {
+                    out += ',';
+                }
+                AppendInteger(out, list[e]);
+            }
+            out += ']';
+            break;
+        }
+        case Kind::Record:
+            AppendRecord(out, nested, field.nested());
+            break;
+        case Kind::Records: {
+            const Schema& elements = field.nested();
+            out += '[';
+            const std::size_t size = elements.listSize(member);
+            for (std::size_t e = 0; e < size; ++e) {
+                if (e > 0) {
+                    out += ',';
+                }
+                const void* element = elements.listAt(member, e);
+                if (element != nullptr) {
+                    AppendRecord(out, element, elements);
+                } else {
+                    out += "{}"; // a hole in a list is written as a record with nothing set
+                }
+            }
+            out += ']';
+            break;
+        }
+        }
+    }
+    out += '}';
+}
+
+} // namespace
+
+void ReadRecord(void* record, const Schema& schema, std::string_view json) noexcept {
+    if (json.substr(0, ByteOrderMark.size()) == ByteOrderMark) {
+        json.remove_prefix(ByteOrderMark.size());
+    }
+    void* staging = nullptr;
+    try {
+        staging = schema.create();
+    } catch (...) {
+        return;
+    }
+    std::uint64_t completed = 0;
+    try {
+        boost::json::basic_parser<RecordBuilder> parser(ReaderOptions(), staging, schema,
+                                                        completed);
+        error_code error;
+        const std::size_t used = parser.write_some(false, json.data(), json.size(), error);
+        if (error || !parser.done() || used != json.size()) {
+            completed = 0; // not one valid document: nothing of it is taken
+        }
+    } catch (...) {
+        // Out of memory while building: the members complete by then are kept. Whatever was
+        // half built went with the parser.
+    }
+    for (std::size_t i = 0; i < schema.count; ++i) {
+        if ((completed >> i) & 1U) {
+            TakeOver(schema.fields[i], record, staging);
+        }
+    }
+    schema.destroy(staging);
+}
+
+Core::TevString WriteRecord(const void* record, const Schema& schema) noexcept {
+    try {
+        std::string out;
+        out.reserve(256);
+        AppendRecord(out, record, schema);
+        return Core::TevString(std::move(out));
+    } catch (...) {
+        return Core::TevString();
+    }
+}
+
+} // namespace vanto::protocol

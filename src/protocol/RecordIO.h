@@ -1,0 +1,207 @@
+// One writer and one reader for every protocol record.
+//
+// A record states its fields once, with BOOST_DESCRIBE_CLASS: the member's name is its JSON key
+// and the member's type its kind. SchemaOf<T>() turns that description into a table (base
+// members first) that the writer and the reader in RecordIO.cpp walk; no record has JSON code of
+// its own.
+//
+// Writing (ToJson): one compact JSON object, keys in declared order, base keys first. Every text,
+// integer, flag and list key is always written ("" and [] when empty); a record member is
+// written only when it is set (never as null). Texts are written byte for byte, escaping only
+// what JSON requires. Any failure gives an empty text.
+//
+// Reading (the constructor from a JSON text): the text is read as one JSON document (RFC 8259;
+// a leading UTF-8 byte-order mark is skipped; nesting deeper than MaxJsonDepth, invalid UTF-8,
+// lone surrogate escapes, trailing data and exponents beyond the parser's range make it invalid).
+// A text that is not one valid document changes nothing, so a new record keeps all defaults.
+// Otherwise every key that names a member and holds data of the member's kind replaces it:
+//   - text: a string; integer: a whole number within the signed 32-bit range; flag: true/false;
+//   - list: a non-empty array; the new list replaces the old one, it is never appended to;
+//   - record: an object with at least one key (even one that names no member).
+// Anything else counts as "no data" and leaves the member as it was: null, an empty array, {},
+// a value of another kind, a number beyond 32 bits or written with a fraction or an exponent.
+// Inside an array every element gives one list element, so positions are kept; an element of
+// the wrong kind gives the element's default ("", 0, or a record with defaults). Unknown keys
+// are ignored; a key given twice is read twice, in text order. Nothing is thrown. Should memory
+// run out, reading stops there and the members completed before it are kept.
+#pragma once
+
+#include "core/AllocatableObject.h"
+#include "core/DynamicArray.h"
+#include "core/TevString.h"
+#include "core/UniquePtr.h"
+
+#include <boost/describe/class.hpp>
+#include <boost/describe/members.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace vanto::protocol {
+
+// Real answers nest about ten levels; anything far deeper is not an answer.
+inline constexpr std::size_t MaxJsonDepth = 64;
+
+enum class Kind : std::uint8_t { Text, Integer, Flag, Texts, Integers, Record, Records };
+
+struct Schema;
+
+struct Field {
+    std::string_view key;
+    Kind kind;
+    // Address of the member inside a record of the schema's type.
+    void* (*member)(void* record) noexcept;
+    // Record and Records: the schema of the nested record type.
+    const Schema& (*nested)() noexcept;
+};
+
+// A record type with its type erased: its fields and how to make, own and list its records.
+struct Schema {
+    const Field* fields;
+    std::size_t count;
+    void* (*create)();
+    void (*destroy)(void* record) noexcept;
+    // On a Core::UniquePtr<R> member.
+    void (*adopt)(void* member, void* record) noexcept;
+    const void* (*get)(const void* member) noexcept;
+    void (*moveRecord)(void* to, void* from) noexcept;
+    // On a Core::DynamicArray<Core::UniquePtr<R>> member or list under construction.
+    void (*listConstruct)(void* storage) noexcept;
+    void (*listDestroy)(void* list) noexcept;
+    void (*listAppend)(void* list, void* record); // takes ownership even when it throws
+    void (*listMove)(void* to, void* from) noexcept;
+    std::size_t (*listSize)(const void* list) noexcept;
+    const void* (*listAt)(const void* list, std::size_t index) noexcept;
+};
+
+// Every list type has the size and alignment of this one, so a reader can build any of them in
+// the same storage.
+using ListStorageModel = Core::DynamicArray<std::int32_t>;
+
+// Reads `json` into `record` as the header comment describes. Never throws.
+void ReadRecord(void* record, const Schema& schema, std::string_view json) noexcept;
+// The record as one JSON object; empty on failure. Never throws.
+Core::TevString WriteRecord(const void* record, const Schema& schema) noexcept;
+
+namespace detail {
+
+template <class M> struct KindOf;
+template <> struct KindOf<Core::TevString> { static constexpr Kind value = Kind::Text; };
+template <> struct KindOf<std::int32_t> { static constexpr Kind value = Kind::Integer; };
+template <> struct KindOf<bool> { static constexpr Kind value = Kind::Flag; };
+template <> struct KindOf<Core::DynamicArray<Core::TevString>> {
+    static constexpr Kind value = Kind::Texts;
+};
+template <> struct KindOf<Core::DynamicArray<std::int32_t>> {
+    static constexpr Kind value = Kind::Integers;
+};
+template <class R> struct KindOf<Core::UniquePtr<R>> {
+    static constexpr Kind value = Kind::Record;
+    using Element = R;
+};
+template <class R> struct KindOf<Core::DynamicArray<Core::UniquePtr<R>>> {
+    static constexpr Kind value = Kind::Records;
+    using Element = R;
+};
+
+template <class M, class = void> struct ElementOf { using type = void; };
+template <class M> struct ElementOf<M, std::void_t<typename KindOf<M>::Element>> {
+    using type = typename KindOf<M>::Element;
+};
+
+template <class T, class D> Field MakeField() noexcept;
+
+template <class T, template <class...> class L, class... D>
+std::array<Field, sizeof...(D)> MakeFields(L<D...>*) noexcept {
+    return {{MakeField<T, D>()...}};
+}
+
+} // namespace detail
+
+template <class T> const Schema& SchemaOf() noexcept {
+    static_assert(std::is_base_of_v<Core::AllocatableObject, T>, "records live in core memory");
+    using Members = boost::describe::describe_members<T, boost::describe::mod_public |
+                                                             boost::describe::mod_inherited>;
+    using List = Core::DynamicArray<Core::UniquePtr<T>>;
+    static_assert(sizeof(List) == sizeof(ListStorageModel) &&
+                      alignof(List) == alignof(ListStorageModel),
+                  "lists are built in shared storage");
+    static const auto fields = detail::MakeFields<T>(static_cast<Members*>(nullptr));
+    static_assert(std::tuple_size<decltype(fields)>::value <= 64, "reader marks fields in 64 bits");
+    static const Schema schema{
+        fields.data(),
+        fields.size(),
+        []() -> void* { return new T(); },
+        [](void* record) noexcept { delete static_cast<T*>(record); },
+        [](void* member, void* record) noexcept {
+            static_cast<Core::UniquePtr<T>*>(member)->reset(static_cast<T*>(record));
+        },
+        [](const void* member) noexcept -> const void* {
+            return static_cast<const Core::UniquePtr<T>*>(member)->get();
+        },
+        [](void* to, void* from) noexcept {
+            *static_cast<Core::UniquePtr<T>*>(to) =
+                std::move(*static_cast<Core::UniquePtr<T>*>(from));
+        },
+        [](void* storage) noexcept { ::new (storage) List(); },
+        [](void* list) noexcept { static_cast<List*>(list)->~List(); },
+        [](void* list, void* record) {
+            Core::UniquePtr<T> owned(static_cast<T*>(record));
+            static_cast<List*>(list)->push_back(std::move(owned));
+        },
+        [](void* to, void* from) noexcept {
+            *static_cast<List*>(to) = std::move(*static_cast<List*>(from));
+        },
+        [](const void* list) noexcept { return static_cast<const List*>(list)->size(); },
+        [](const void* list, std::size_t index) noexcept -> const void* {
+            return (*static_cast<const List*>(list))[index].get();
+        },
+    };
+    return schema;
+}
+
+namespace detail {
+
+template <class T, class D> Field MakeField() noexcept {
+    using Member =
+        std::remove_cv_t<std::remove_reference_t<decltype(std::declval<T&>().*D::pointer)>>;
+    using Element = typename ElementOf<Member>::type;
+    const Schema& (*nested)() noexcept = nullptr;
+    if constexpr (!std::is_void_v<Element>) {
+        nested = &SchemaOf<Element>;
+    }
+    return Field{
+        D::name, KindOf<Member>::value,
+        [](void* record) noexcept -> void* { return &(static_cast<T*>(record)->*D::pointer); },
+        nested};
+}
+
+} // namespace detail
+
+template <class T> void ReadJson(T& record, const Core::TevString& json) noexcept {
+    ReadRecord(&record, SchemaOf<T>(), json);
+}
+
+template <class T> Core::TevString WriteJson(const T& record) noexcept {
+    return WriteRecord(&record, SchemaOf<T>());
+}
+
+} // namespace vanto::protocol
+
+// The operations a record offers; the class states its members with BOOST_DESCRIBE_CLASS.
+// A record read from the connector: default construction, then construction from a JSON text.
+#define VANTO_JSON_READER(Class)                                                                   \
+    Class() = default;                                                                             \
+    explicit Class(const Core::TevString& json) {                                                  \
+        ::vanto::protocol::ReadJson(*this, json);                                                  \
+    }
+// A record written to the connector (or logged).
+#define VANTO_JSON_WRITER(Class)                                                                   \
+    Core::TevString ToJson() const {                                                               \
+        return ::vanto::protocol::WriteJson(*this);                                                \
+    }

@@ -1,0 +1,41 @@
+// Answers read by the session service: "GETSESSIONINFO" and "GETCORVANEROOTFOLDERS", both sent
+// with the bare CommandInputBase.
+#pragma once
+
+#include "protocol/Envelope.h"
+
+namespace Corvane::CommandIO::Generic {
+
+class CorvaneGetSessionInfoOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneGetSessionInfoOutput)
+
+    Core::TevString AuthenticatedUserName;
+    Core::TevString CorvaneLogPath;
+    Core::TevString CloudGatewayLogPath;
+    Core::TevString UserEmail;
+    bool IsLoggedIn = false;
+    Core::TevString UserId;
+    Core::TevString Version; // the connector's version text, not the envelope's number
+    Core::DynamicArray<Core::TevString> Capabilities;
+
+    BOOST_DESCRIBE_CLASS(CorvaneGetSessionInfoOutput, (CommandOutputBase),
+                         (AuthenticatedUserName, CorvaneLogPath, CloudGatewayLogPath, UserEmail,
+                          IsLoggedIn, UserId, Version, Capabilities),
+                         (), ())
+};
+
+} // namespace Corvane::CommandIO::Generic
+
+namespace Corvane::CommandIO::DataManagement {
+
+class CorvaneGetRootFoldersOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneGetRootFoldersOutput)
+
+    Core::DynamicArray<Core::TevString> RootFolders;
+
+    BOOST_DESCRIBE_CLASS(CorvaneGetRootFoldersOutput, (CommandOutputBase), (RootFolders), (), ())
+};
+
+} // namespace Corvane::CommandIO::DataManagement
