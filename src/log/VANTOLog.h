@@ -36,7 +36,7 @@ void WriteLogMessage(int severity, const std::wstring& text);
 template <class... Args>
 void LogMessage(const VANTOManager* /*owner*/, int severity, GUserText format,
                 const Args&... args) {
-    const auto wide = [](const auto& arg) -> const wchar_t* {
+    [[maybe_unused]] const auto wide = [](const auto& arg) -> const wchar_t* {
         using Arg = std::decay_t<decltype(arg)>;
         if constexpr (std::is_same_v<Arg, GUserText>) {
             return arg.c_str();
