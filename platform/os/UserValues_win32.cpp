@@ -70,6 +70,9 @@ void UseScratchUserValueStore(const std::wstring& tag) {
 void ClearUserValueStore() {
     if (!ScratchKey().empty()) {
         ::RegDeleteTreeW(HKEY_CURRENT_USER, ScratchKey().c_str());
+        // The parents go only when empty: RegDeleteKeyW refuses a key that has subkeys.
+        ::RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\VANTO\\Scratch");
+        ::RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\VANTO");
     }
 }
 

@@ -261,15 +261,15 @@ TEST_F(SessionService, ExceptionsAreHandledByKind) {
     EXPECT_THROW(session->IsConnected(true), FakeConnector::ForeignException);
     ASSERT_EQ(2u, log.records.size() - Lines().size());
     EXPECT_EQ(LogRecord::Kind::ScopeClose, log.records.back().kind);
-}
 
-TEST_F(SessionService, StandardExceptionWhileRegisteringEndsIsConnected) {
+    // Another standard exception while registering ends the method.
+    log.Clear();
+    vanto::Session() = vanto::SessionState();
     connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Standard,
-                   "refused");
+                   "refused", "", 1);
     EXPECT_FALSE(session->IsConnected(false));
-    EXPECT_EQ(std::wstring(ExecutePrefix) + L"refused", Lines().back().second);
-    EXPECT_EQ(0, Lines().back().first);
-    EXPECT_TRUE(connector.executeRequests.empty());
+    EXPECT_EQ((Line{0, std::wstring(ExecutePrefix) + L"refused"}), Lines().back());
+    EXPECT_EQ(3u, connector.executeRequests.size());
 }
 
 TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
@@ -305,18 +305,17 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
     EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
     EXPECT_EQ(1, connector.launches);
     EXPECT_EQ((Line{2, L"Connector is ON and running!!"}), Lines().front());
-}
 
-TEST_F(SessionService, FailedLaunchReturnsFalse) {
+    // A launch that throws ends the start before any wait.
     connector.running = false;
     connector.Fail(FakeConnector::Operation::LaunchApplication, FakeConnector::Failure::Standard,
                    "no binary");
-    bool timedOut = true;
+    const int polls = connector.readyPolls;
     EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
     EXPECT_FALSE(timedOut);
     EXPECT_EQ((Line{0, L"Corvane failed to start with exception: no binary"}), Lines().back());
-    EXPECT_EQ(0, connector.readyPolls);
-    EXPECT_TRUE(connector.registerRequests.empty());
+    EXPECT_EQ(polls, connector.readyPolls);
+    EXPECT_EQ(2u, connector.registerRequests.size());
 }
 
 TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeout) {
@@ -452,16 +451,6 @@ TEST_F(SessionService, SessionInfoAndUser) {
     log.Clear();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ((std::vector<Line>{{0, std::wstring(ExecutePrefix) + L"timeout"}}), Lines());
-}
-
-TEST_F(SessionService, InstalledAndRunningAsTheConnectorSays) {
-    connector.installed = false;
-    connector.running = false;
-    EXPECT_FALSE(session->IsCorvaneInstalled());
-    EXPECT_FALSE(session->IsCorvaneRunning());
-    connector.installed = true;
-    EXPECT_TRUE(session->IsCorvaneInstalled());
-    EXPECT_TRUE(Lines().empty());
 }
 
 } // namespace

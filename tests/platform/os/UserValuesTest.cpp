@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 
 namespace {
@@ -18,40 +19,26 @@ protected:
     void TearDown() override { platform::os::ClearUserValueStore(); }
 };
 
-TEST_F(UserValues, TextsComeBackAsWritten) {
+TEST_F(UserValues, TextsComeBackPerScopeAndName) {
     const std::wstring texts[] = {
         L"C:\\Users\\ann\\Corvane",    L"a=b=c", L"two\nlines\r", L"trailing\\",
         L"\u00e9t\u00e9 \u6587\u4ef6", L""};
-    int index = 0;
-    for (const std::wstring& text : texts) {
-        const std::wstring name = L"Value" + std::to_wstring(index++);
-        ASSERT_TRUE(WriteUserValue(1, name, text));
+    const auto name = [](std::size_t index) { return L"Value=" + std::to_wstring(index); };
+    for (std::size_t i = 0; i < std::size(texts); ++i) {
+        ASSERT_TRUE(WriteUserValue(1, name(i), texts[i]));
     }
-    index = 0;
-    for (const std::wstring& text : texts) {
+    ASSERT_TRUE(WriteUserValue(2, name(0), L"other scope"));
+    ASSERT_TRUE(WriteUserValue(1, name(0), L"rewritten"));
+    for (std::size_t i = 0; i < std::size(texts); ++i) {
         std::wstring read = L"untouched";
-        EXPECT_TRUE(ReadUserValue(1, L"Value" + std::to_wstring(index++), read));
-        EXPECT_EQ(text, read);
+        EXPECT_TRUE(ReadUserValue(1, name(i), read));
+        EXPECT_EQ(i == 0 ? L"rewritten" : texts[i], read);
     }
-}
-
-TEST_F(UserValues, NamesAndScopesAreKeptApart) {
-    ASSERT_TRUE(WriteUserValue(1, L"CorvaneRootFolderPath", L"first"));
-    ASSERT_TRUE(WriteUserValue(2, L"CorvaneRootFolderPath", L"other scope"));
-    ASSERT_TRUE(WriteUserValue(1, L"Corvane=RootFolderPath", L"odd name"));
-    ASSERT_TRUE(WriteUserValue(1, L"CorvaneRootFolderPath", L"second"));
-
-    std::wstring read;
-    EXPECT_TRUE(ReadUserValue(1, L"CorvaneRootFolderPath", read));
-    EXPECT_EQ(L"second", read);
-    EXPECT_TRUE(ReadUserValue(2, L"CorvaneRootFolderPath", read));
+    std::wstring read = L"untouched";
+    EXPECT_TRUE(ReadUserValue(2, name(0), read));
     EXPECT_EQ(L"other scope", read);
-    EXPECT_TRUE(ReadUserValue(1, L"Corvane=RootFolderPath", read));
-    EXPECT_EQ(L"odd name", read);
-
     read = L"untouched";
-    EXPECT_FALSE(ReadUserValue(3, L"CorvaneRootFolderPath", read));
-    EXPECT_FALSE(ReadUserValue(1, L"corvanerootfolderpath", read));
+    EXPECT_FALSE(ReadUserValue(3, name(0), read));
     EXPECT_EQ(L"untouched", read);
 }
 
