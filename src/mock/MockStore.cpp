@@ -6,6 +6,7 @@
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
 
+#include <algorithm>
 #include <cwchar>
 #include <new>
 #include <sstream>
@@ -102,53 +103,47 @@ bool IsAttributeNameChar(char c) {
     return IsNameChar(c) && c != '<' && c != '=' && c != '!';
 }
 
-// A flat walk over the reader's markup. Every rule below is the reader's own: where it would
-// stop with an error the walk gives up too, so it never counts fewer open elements than the
-// reader would reach.
+// A flat walk over the reader's markup. Every rule below is the reader's own, and the walk stops
+// where the reader would stop with an error, so it counts exactly the elements the reader opens.
 class NestingScan {
 public:
     explicit NestingScan(std::string_view xml) : text_(xml.substr(0, xml.find('\0'))) {}
 
-    bool Within(std::size_t maxDepth) {
+    // The deepest element nesting the reader reaches before it ends or stops at a fault.
+    std::size_t Deepest() {
         if (text_.substr(0, 3) == "\xEF\xBB\xBF") {
             pos_ = 3;
         }
         std::size_t depth = 0;
+        std::size_t deepest = 0;
         for (;;) {
             if (depth == 0) {
                 SkipSpace();
-                if (pos_ >= text_.size()) {
-                    return true;
-                }
-                if (At(0) != '<') {
-                    return false;
+                if (pos_ >= text_.size() || At(0) != '<') {
+                    return deepest;
                 }
             } else if (!SkipPast("<", false)) {
-                return false;
+                return deepest;
             }
             ++pos_; // '<'
             const char next = At(0);
+            bool fine = true;
             if (next == '/') {
-                if (depth == 0 || !CloseTag()) {
-                    return false;
-                }
-                --depth;
+                fine = depth > 0 && CloseTag();
+                depth -= fine ? 1 : 0;
             } else if (next == '?') {
-                if (!SkipPast("?>", true)) {
-                    return false;
-                }
+                fine = SkipPast("?>", true);
             } else if (next == '!') {
-                if (!Declaration()) {
-                    return false;
-                }
+                fine = Declaration();
             } else {
                 bool opened = false;
-                if (!OpenTag(opened)) {
-                    return false;
+                fine = OpenTag(opened);
+                if (opened) {
+                    deepest = std::max(deepest, ++depth);
                 }
-                if (opened && ++depth > maxDepth) {
-                    return false;
-                }
+            }
+            if (!fine) {
+                return deepest;
             }
         }
     }
@@ -291,7 +286,7 @@ MockStore* Store() noexcept {
 
 void ReadInput(std::string_view xml, MockStore& store) noexcept {
     try {
-        if (!NestingWithin(xml, MaxInputNesting)) {
+        if (DeepestNesting(xml) > MaxInputNesting) {
             return;
         }
         std::istringstream stream{std::string(xml)};
@@ -304,8 +299,8 @@ void ReadInput(std::string_view xml, MockStore& store) noexcept {
     }
 }
 
-bool NestingWithin(std::string_view xml, std::size_t maxDepth) {
-    return NestingScan(xml).Within(maxDepth);
+std::size_t DeepestNesting(std::string_view xml) {
+    return NestingScan(xml).Deepest();
 }
 
 HRESULT ErrorCodeFromName(const GUserText& name) {

@@ -47,10 +47,10 @@ MockStore* Store() noexcept;
 // Fills `store` from the text of an input file. Never throws; stops at the first fault.
 void ReadInput(std::string_view xml, MockStore& store) noexcept;
 
-// True when Boost's XML reader would nest no deeper than `maxDepth` elements in `xml`. The reader
-// recurses once per level, so this follows its rules for markup in one flat pass instead; text
-// the reader would reject may give false.
-bool NestingWithin(std::string_view xml, std::size_t maxDepth);
+// How deep Boost's XML reader would nest elements reading `xml`, counted up to where it would
+// end or fail. The reader recurses once per level; this follows its rules for markup in one flat
+// pass, so that too deep a file can be refused before the reader runs.
+std::size_t DeepestNesting(std::string_view xml);
 
 // The HRESULT an "ErrorCode" name stands for; 0 for a name that is not known.
 HRESULT ErrorCodeFromName(const GUserText& name);
