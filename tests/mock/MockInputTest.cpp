@@ -144,19 +144,22 @@ TEST(InputNesting, CountsTheLevelsTheReaderOpens) {
     EXPECT_EQ(2u, DeepestNesting(std::string("<a><b>\0<c><d>", 13)));
 }
 
-TEST_F(MockInputTest, AHundredThousandFilesAreReadQuickly) {
+TEST_F(MockInputTest, AHundredThousandFilesAreRead) {
     std::string xml = "<xml><RootFolder>Z:\\R</RootFolder><Files>";
     for (int i = 0; i < 100000; ++i) {
-        xml += "<F><FileName>Z:\\R\\f" + std::to_string(i % 99999) + ".par</FileName>";
-        xml += "<CheckedOutBy>u" + std::to_string(i) + "</CheckedOutBy></F>";
+        xml += "<F><FileName>Z:\\R\\f" + std::to_string(i % 99990) + ".par</FileName>";
+        if (i % 99990 == 5) {
+            xml += "<CheckedOutBy>u" + std::to_string(i) + "</CheckedOutBy>";
+        }
+        xml += "</F>";
     }
     xml += "</Files></xml>";
     WriteInput(xml);
     FileStatusInformation status;
-    ASSERT_EQ(S_OK, files->GetStatusInformation(L"z:\\r\\F99998.PAR", &status));
-    EXPECT_EQ(GUserText(L"u99998"), status.checkedOutBy);
-    EXPECT_EQ(99999u, Store().files.size());
-    EXPECT_EQ(GUserText(L"u0"), Store().files.at(L"Z:\\R\\f0.par").checkedOutBy);
+    ASSERT_EQ(S_OK, files->GetStatusInformation(L"z:\\r\\F5.PAR", &status));
+    EXPECT_EQ(GUserText(L"u5"), status.checkedOutBy);
+    EXPECT_EQ(99990u, Store().files.size());
+    EXPECT_EQ(1u, Store().files.count(L"Z:\\R\\f99989.par"));
 }
 
 } // namespace
