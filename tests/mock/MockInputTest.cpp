@@ -15,15 +15,12 @@ constexpr HRESULT ElementNotFound = static_cast<HRESULT>(0x80070490);
 
 std::string Nested(std::size_t levels, const std::string& open, const std::string& close,
                    const std::string& inner = "") {
-    std::string text;
+    std::string opens, closes;
     for (std::size_t i = 0; i < levels; ++i) {
-        text += open;
+        opens += open;
+        closes += close;
     }
-    text += inner;
-    for (std::size_t i = 0; i < levels; ++i) {
-        text += close;
-    }
-    return text;
+    return opens + inner + closes;
 }
 
 std::string WithFile(const std::string& inside) {
@@ -47,7 +44,9 @@ protected:
 };
 
 TEST_F(MockInputTest, MissingEmptyAndMalformedFilesGiveAnEmptyStore) {
-    EXPECT_TRUE(Store().files.empty());
+    RootFolderSet roots;
+    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
+    EXPECT_EQ(RootFolderSet{GUserText()}, roots);
     // A file that appears later is not read.
     WriteInput(WithFile("<FileName>Z:\\R\\a.par</FileName>"));
     EXPECT_EQ(ElementNotFound, files->CheckOut(nullptr));

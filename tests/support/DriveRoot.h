@@ -29,11 +29,8 @@ public:
         folder_ = std::filesystem::temp_directory_path() /
                   ("vanto-drive-z-" + std::to_string(platform::os::CurrentProcessId()) + "-" +
                    std::to_string(++made));
-        std::error_code ignored;
-        std::filesystem::create_directories(folder_, ignored);
         moved_ = platform::os::MoveDriveRoot(folder_.wstring());
         if (!moved_) {
-            std::filesystem::remove_all(folder_, ignored);
             Lock();
         }
     }
@@ -52,7 +49,6 @@ public:
     ScopedDriveRoot(const ScopedDriveRoot&) = delete;
     ScopedDriveRoot& operator=(const ScopedDriveRoot&) = delete;
 
-    // Where a Windows path of the test lands on this system.
     static std::filesystem::path Native(const std::wstring& windowsPath) {
         return std::filesystem::path(platform::os::NativePath(windowsPath));
     }
@@ -65,7 +61,7 @@ public:
         RemoveAfterwards(file);
     }
 
-    // On the real drive, what the test leaves behind is removed when it ends.
+    // On the real drive, what the test made there is removed when it ends.
     void RemoveAfterwards(const std::wstring& windowsPath) {
         madePaths_.push_back(Native(windowsPath));
     }

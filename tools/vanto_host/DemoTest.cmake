@@ -7,11 +7,8 @@ set(ENV{VANTO_DRIVE_Z} "${DRIVE}")
 execute_process(COMMAND "${HOST}" demo RESULT_VARIABLE result OUTPUT_VARIABLE output
                 ERROR_VARIABLE output)
 message("${output}")
-if(NOT result EQUAL 0)
-  message(FATAL_ERROR "vanto_host demo exited with ${result}")
-endif()
-if(NOT IS_DIRECTORY "${DRIVE}/PDM/Root")
-  message(FATAL_ERROR "the mock's root folder was not created under ${DRIVE}")
+if(NOT result EQUAL 0 OR NOT IS_DIRECTORY "${DRIVE}/PDM/Root")
+  message(FATAL_ERROR "vanto_host demo exited with ${result}, or made no root folder")
 endif()
 foreach(expected
         "found: yes"
@@ -20,14 +17,8 @@ foreach(expected
         "C:\\\\Temp\\\\outside.par +not valid"
         "Z:\\\\PDM\\\\Root\\\\bracket.par +S_OK, checked out by: Alice.Moreau [(]me[)]"
         "Z:\\\\PDM\\\\Root\\\\housing.asm +S_OK, checked out by: b.tanaka\n"
-        "CheckOut: S_OK"
-        "CheckIn: S_OK")
+        "CheckOut: S_OK.*items unchanged.*CheckIn: S_OK.*items unchanged")
   if(NOT output MATCHES "${expected}")
     message(FATAL_ERROR "missing from the demo's output: ${expected}")
   endif()
 endforeach()
-string(REGEX MATCHALL "items unchanged" unchanged "${output}")
-list(LENGTH unchanged count)
-if(NOT count EQUAL 2)
-  message(FATAL_ERROR "the demo's items changed")
-endif()
