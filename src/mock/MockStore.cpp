@@ -71,8 +71,8 @@ void TakeOver(const ptree& document, MockStore& store) {
             for (const ptree::value_type& entry : section.second) {
                 if (IsElement(entry)) {
                     const Fields project(entry.second);
-                    MockProject record{project.Text("ProjectName"), project.Text("Owner")};
-                    store.projects.emplace(record.projectName, std::move(record));
+                    const GUserText name = project.Text("ProjectName");
+                    store.projects.emplace(name, MockProject{name, project.Text("Owner")});
                 }
             }
         } else if (section.first == "Files") {
@@ -87,7 +87,8 @@ void TakeOver(const ptree& document, MockStore& store) {
                 record.checkedOutBy = file.Text("CheckedOutBy");
                 record.errorCode = ErrorCodeFromName(file.Text("ErrorCode"));
                 record.checkedIn = !IsNo(file.Text("CheckIn"));
-                store.files.emplace(record.fileName, std::move(record));
+                const GUserText key = record.fileName;
+                store.files.emplace(key, std::move(record));
             }
         }
     }
