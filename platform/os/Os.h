@@ -20,6 +20,7 @@ SleepHook SetSleepHook(SleepHook hook);
 std::wstring LogonUserName();
 
 // Creates one directory with default security (CreateDirectoryW); false when it was not created.
+// These three take Windows paths: on POSIX systems they go through NativePath (os/Paths.h).
 bool MakeDirectory(const std::wstring& path);
 bool DirectoryExists(const std::wstring& path);
 bool PathExists(const std::wstring& path);

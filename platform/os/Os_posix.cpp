@@ -1,6 +1,7 @@
 #ifndef _WIN32
 
 #include "os/Os.h"
+#include "os/Paths.h"
 #include "os/TextConversion.h"
 
 #include <chrono>
@@ -18,8 +19,9 @@ SleepHook& CurrentSleepHook() {
     return hook;
 }
 
+// Drive-letter paths go through the drive mapping of Paths.h.
 bool StatPath(const std::wstring& path, struct stat& info) {
-    const std::string narrow = WideToUtf8(path);
+    const std::string narrow = WideToUtf8(NativePath(path));
     return !narrow.empty() && ::stat(narrow.c_str(), &info) == 0;
 }
 } // namespace
@@ -52,7 +54,7 @@ std::wstring LogonUserName() {
 }
 
 bool MakeDirectory(const std::wstring& path) {
-    const std::string narrow = WideToUtf8(path);
+    const std::string narrow = WideToUtf8(NativePath(path));
     return !narrow.empty() && ::mkdir(narrow.c_str(), 0777) == 0;
 }
 

@@ -1,38 +1,100 @@
-// Mock file-service methods not built yet: each opens its scope record and gives its neutral
-// result.
+// The mock file services. The few methods with behaviour answer from the mock store; every other
+// slot opens its scope record and gives a fixed result without touching its arguments.
 #include "entry/VANTOManager.h"
 #include "log/VANTOLog.h"
+#include "mock/MockStore.h"
 
-HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckIn(FileCheckInList* /*files*/) {
-    const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOMockFileServices::CheckIn");
-    return S_OK;
+namespace {
+// HRESULT_FROM_WIN32(ERROR_NOT_FOUND): the store holds no files.
+constexpr HRESULT ElementNotFound = static_cast<HRESULT>(0x80070490);
+} // namespace
+
+// Check-in and check-out work out each item's result from the store, on a copy: the host's items
+// stay as they came in. Slots 3 to 7 write no log records.
+HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckIn(FileCheckInList* files) {
+    try {
+        const vanto::mock::MockStore* store = vanto::mock::Store();
+        if (store == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        const vanto::mock::MockFileMap known = store->files;
+        if (known.empty()) {
+            return ElementNotFound;
+        }
+        if (files != nullptr) {
+            FileCheckInList results;
+            results.reserve(files->size());
+            for (const FileCheckInEntry& item : *files) {
+                results.push_back(vanto::mock::CheckInResult(known, item));
+            }
+        }
+        return S_OK;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
 }
 
-HRESULT STDMETHODCALLTYPE
-VANTOManager::VANTOMockFileServices::CheckOut(FileLockStatusMap* /*files*/) {
-    const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOMockFileServices::CheckOut");
-    return S_OK;
+HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckOut(FileLockStatusMap* files) {
+    try {
+        const vanto::mock::MockStore* store = vanto::mock::Store();
+        if (store == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        const vanto::mock::MockFileMap known = store->files;
+        if (known.empty()) {
+            return ElementNotFound;
+        }
+        if (files != nullptr) {
+            FileLockStatusMap results;
+            for (const auto& [name, item] : *files) {
+                results.emplace(name, vanto::mock::CheckOutResult(known, name, item));
+            }
+        }
+        return S_OK;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::IsValidCorvaneFile(
-    const PathList& /*paths*/, PathMonitoredMap* /*monitored*/) {
-    const LogEntry scope =
-        vanto::OpenScope(L"VANTOManager::VANTOMockFileServices::IsValidCorvaneFile");
-    return S_OK;
+    const PathList& paths, PathMonitoredMap* monitored) {
+    try {
+        for (const GUserText& path : paths) {
+            const bool valid = IsValidCorvaneFile(path);
+            if (monitored != nullptr) {
+                monitored->emplace(path, valid);
+            }
+        }
+        return S_OK;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
 }
 
+// A file is valid when its name starts with the root folder, exactly as written there.
 bool STDMETHODCALLTYPE
-VANTOManager::VANTOMockFileServices::IsValidCorvaneFile(const GUserText& /*path*/) {
-    const LogEntry scope =
-        vanto::OpenScope(L"VANTOManager::VANTOMockFileServices::IsValidCorvaneFile");
-    return false;
+VANTOManager::VANTOMockFileServices::IsValidCorvaneFile(const GUserText& path) {
+    const vanto::mock::MockStore* store = vanto::mock::Store();
+    return store != nullptr && !store->rootFolder.IsEmpty() &&
+           path.BeginsWith(store->rootFolder, 0);
 }
 
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::GetStatusInformation(
-    const GUserText& /*path*/, FileStatusInformation* /*status*/) {
-    const LogEntry scope =
-        vanto::OpenScope(L"VANTOManager::VANTOMockFileServices::GetStatusInformation");
-    return S_OK;
+    const GUserText& path, FileStatusInformation* status) {
+    try {
+        const vanto::mock::MockStore* store = vanto::mock::Store();
+        if (store == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        const auto found = store->files.find(path);
+        if (found != store->files.end() && status != nullptr) {
+            status->checkedOutBy = found->second.checkedOutBy;
+            status->isCheckedOutByMe = status->checkedOutBy.EqualsNoCase(store->userName);
+        }
+        return S_OK;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 bool STDMETHODCALLTYPE
@@ -63,10 +125,12 @@ VANTOManager::VANTOMockFileServices::DownloadLatestVersion(const GUserText& /*pa
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::AttachDocumentToRevision(
-    RevisionAttachmentList /*attachments*/) {
+// Nothing to attach to: the items are dropped and their memory given back.
+HRESULT STDMETHODCALLTYPE
+VANTOManager::VANTOMockFileServices::AttachDocumentToRevision(RevisionAttachmentList attachments) {
     const LogEntry scope =
         vanto::OpenScope(L"VANTOManager::VANTOMockFileServices::AttachDocumentToRevision");
+    RevisionAttachmentList().swap(attachments);
     return S_OK;
 }
 

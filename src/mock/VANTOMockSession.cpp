@@ -1,18 +1,45 @@
 // The mock session: always connected, never offline. It writes no log records.
 #include "entry/VANTOManager.h"
+#include "mock/MockStore.h"
+#include "os/Os.h"
 
 bool STDMETHODCALLTYPE VANTOManager::VANTOMockSession::IsConnected(bool /*force*/) {
     return true;
 }
 
+// The store's root folder, created when it is not there yet (one level, as CreateDirectoryW does).
 HRESULT STDMETHODCALLTYPE
-VANTOManager::VANTOMockSession::GetRootFolders(RootFolderSet* /*rootFolders*/) {
-    return S_OK;
+VANTOManager::VANTOMockSession::GetRootFolders(RootFolderSet* rootFolders) {
+    try {
+        const vanto::mock::MockStore* store = vanto::mock::Store();
+        if (store == nullptr) {
+            return E_OUTOFMEMORY;
+        }
+        const GUserText& folder = store->rootFolder;
+        if (!platform::os::DirectoryExists(folder.wstr())) {
+            platform::os::MakeDirectory(folder.wstr());
+        }
+        if (rootFolders != nullptr) {
+            rootFolders->insert(folder);
+        }
+        return S_OK;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 HRESULT STDMETHODCALLTYPE
-VANTOManager::VANTOMockSession::GetCurrentLoggedInUserInfo(LoggedInUserInfo* /*user*/) {
-    return S_OK;
+VANTOManager::VANTOMockSession::GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) {
+    try {
+        const wchar_t* name = vanto::mock::LogonUser();
+        if (user != nullptr) {
+            user->loginName = GUserText(name);
+            user->displayName = GUserText(name);
+        }
+        return S_OK;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 bool STDMETHODCALLTYPE VANTOManager::VANTOMockSession::IsCorvaneRunning() {

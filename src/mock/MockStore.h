@@ -1,0 +1,74 @@
+// The mock services' process-wide state: the store read once from the XML input file, the
+// error-code names and the logged-on user.
+#pragma once
+
+#include "VANTO.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace vanto::mock {
+
+struct MockProject {
+    GUserText projectName;
+    GUserText owner;
+};
+
+struct MockFile {
+    GUserText fileName;
+    bool checkedOut = true;
+    bool checkedIn = true;
+    HRESULT errorCode = 0;
+    GUserText checkedOutBy;
+    GUserText note; // never filled from the file
+};
+
+using MockFileMap = std::map<GUserText, MockFile, GUserTextLessNoCase>;
+
+struct MockStore {
+    GUserText rootFolder;
+    std::map<GUserText, MockProject> projects;
+    MockFileMap files;
+    GUserText userName;
+};
+
+// The input file, as a Windows path (os/Paths.h maps it elsewhere).
+inline constexpr const wchar_t* InputFilePath = L"Z:\\PDM\\VANTO\\Dev\\VANTOInput.xml";
+
+// Deeper element nesting than this marks an input file as malformed.
+inline constexpr std::size_t MaxInputNesting = 256;
+
+// The store, read from the input file by the first call. Null only when it cannot be allocated;
+// an unreadable or malformed file leaves it empty (or with what was taken over before the fault).
+MockStore* Store() noexcept;
+
+// Fills `store` from the text of an input file. Never throws; stops at the first fault.
+void ReadInput(std::string_view xml, MockStore& store) noexcept;
+
+// How deep Boost's XML reader would nest elements reading `xml`, counted up to where it would
+// end or fail. The reader recurses once per level; this follows its rules for markup in one flat
+// pass, so that too deep a file can be refused before the reader runs.
+std::size_t DeepestNesting(std::string_view xml);
+
+// The HRESULT an "ErrorCode" name stands for; 0 for a name that is not known.
+HRESULT ErrorCodeFromName(const GUserText& name);
+
+// The logged-on user's name, read from the system once per process (again only while empty).
+const wchar_t* LogonUser();
+
+// What the mock works out for one check-in or check-out item. Nobody gets these results: the
+// mock leaves the caller's items as they are.
+FileCheckInEntry CheckInResult(const MockFileMap& files, const FileCheckInEntry& item);
+FileLockStatus CheckOutResult(const MockFileMap& files, const GUserText& fileName,
+                              const FileLockStatus& item);
+
+// For tests; not exported from the module. Drops the store (the next call reads the file again),
+// empties the user buffer, and replaces how the user name is read (null restores the system's);
+// returns the previous source.
+using UserNameSource = std::wstring (*)();
+void ResetMockStateForTesting();
+UserNameSource SetUserNameSourceForTesting(UserNameSource source);
+
+} // namespace vanto::mock
