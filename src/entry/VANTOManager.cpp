@@ -25,7 +25,11 @@ VANTOManager::VANTOManager(IUnknown* outer)
 
 VANTOManager::~VANTOManager() {
     if (vanto::Session().registered) {
-        session.DeRegisterFromCorvane();
+        // Release must not throw: whatever the connector throws at shutdown ends here.
+        try {
+            session.DeRegisterFromCorvane();
+        } catch (...) {
+        }
     }
     --vanto::liveObjectCount;
 }

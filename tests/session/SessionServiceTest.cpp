@@ -419,6 +419,15 @@ TEST_F(SessionService, DestroyingTheManagerDeregistersOnlyWhenRegistered) {
     EXPECT_FALSE(vanto::Session().registered);
 }
 
+TEST_F(SessionService, ReleaseSurvivesAForeignExceptionFromDeregistration) {
+    Register();
+    connector.Fail(FakeConnector::Operation::DeRegisterClient, FakeConnector::Failure::Foreign,
+                   "not a std::exception");
+    EXPECT_NO_THROW(manager.Reset());
+    EXPECT_EQ(1u, connector.deregisterRequests.size());
+    EXPECT_TRUE(vanto::Session().registered);
+}
+
 TEST_F(SessionService, SessionInfoAndUser) {
     SessionInfo info;
     info.userEmail = L"kept";
