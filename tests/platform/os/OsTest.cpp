@@ -16,17 +16,13 @@ namespace {
 namespace fs = std::filesystem;
 using platform::os::CompareNoCase;
 
-int Sign(int value) {
-    return (value > 0) - (value < 0);
-}
-
 TEST(OsCompareNoCase, FoldsAsciiLettersOnly) {
     EXPECT_EQ(0, CompareNoCase(L"", L""));
     EXPECT_EQ(0, CompareNoCase(L"C:\\Work\\Part.PRT", L"c:\\wORK\\part.prt"));
     EXPECT_EQ(0, CompareNoCase(L"AZ az", L"az AZ"));
     // Letters beyond ASCII keep their case: U+00C9 and U+00E9 differ, by their code values.
-    EXPECT_EQ(-1, Sign(CompareNoCase(L"\u00C9", L"\u00E9")));
-    EXPECT_EQ(1, Sign(CompareNoCase(L"\u00E9", L"\u00C9")));
+    EXPECT_EQ(-1, CompareNoCase(L"\u00C9", L"\u00E9"));
+    EXPECT_EQ(1, CompareNoCase(L"\u00E9", L"\u00C9"));
     // Characters next to the letter ranges are not letters.
     EXPECT_NE(0, CompareNoCase(L"@", L"`"));
     EXPECT_NE(0, CompareNoCase(L"[", L"{"));
@@ -34,13 +30,13 @@ TEST(OsCompareNoCase, FoldsAsciiLettersOnly) {
 
 TEST(OsCompareNoCase, OrdersByLowerCaseThenLength) {
     // Folding goes to lower case: '_' (0x5F) sorts before 'a' (0x61) even against 'A' (0x41).
-    EXPECT_EQ(-1, Sign(CompareNoCase(L"_", L"A")));
-    EXPECT_EQ(1, Sign(CompareNoCase(L"A", L"_")));
-    EXPECT_EQ(-1, Sign(CompareNoCase(L"abc", L"ABCD")));
-    EXPECT_EQ(1, Sign(CompareNoCase(L"ABCD", L"abc")));
-    EXPECT_EQ(-1, Sign(CompareNoCase(L"Part1", L"part2")));
-    // Values compare unsigned: U+FFFF sorts after everything in the Basic Multilingual Plane.
-    EXPECT_EQ(1, Sign(CompareNoCase(L"\uFFFF", L"z")));
+    EXPECT_EQ(-1, CompareNoCase(L"_", L"A"));
+    EXPECT_EQ(1, CompareNoCase(L"A", L"_"));
+    EXPECT_EQ(-1, CompareNoCase(L"abc", L"ABCD"));
+    EXPECT_EQ(1, CompareNoCase(L"ABCD", L"abc"));
+    EXPECT_EQ(-1, CompareNoCase(L"Part1", L"part2"));
+    // Values compare unsigned, so U+FFFF sorts after ASCII.
+    EXPECT_EQ(1, CompareNoCase(L"\uFFFF", L"z"));
 }
 
 TEST(OsSleep, HookReplacesTheWaitUntilRemoved) {
