@@ -11,9 +11,15 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
+// The GDI part of <windows.h> is not needed, and its macros (ERROR, GetObject, ...) would replace
+// ordinary names in the component's code.
+#ifndef NOGDI
+#define NOGDI
+#endif
+#include <windows.h>
+
 #include <objbase.h>
 #include <unknwn.h>
-#include <windows.h>
 
 #else
 

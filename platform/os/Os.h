@@ -26,7 +26,7 @@ bool DirectoryExists(const std::wstring& path);
 bool PathExists(const std::wstring& path);
 
 // _wcsicmp as the C runtime does it in the "C" locale: only A-Z fold to a-z, then the values are
-// compared as unsigned code units.
+// compared as unsigned code units. Returns -1, 0 or 1.
 int CompareNoCase(const wchar_t* a, const wchar_t* b);
 
 } // namespace platform::os

@@ -58,7 +58,10 @@ bool PathExists(const std::wstring& path) {
 }
 
 int CompareNoCase(const wchar_t* a, const wchar_t* b) {
-    return ::_wcsicmp(a, b);
+    // The runtime returns the difference of the first unequal values; callers on both platforms
+    // see only its sign.
+    const int difference = ::_wcsicmp(a, b);
+    return (difference > 0) - (difference < 0);
 }
 
 } // namespace platform::os
