@@ -24,6 +24,7 @@ const char* const Sample = R"(<?xml version="1.0"?>
 
 TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
     WriteInput(Sample);
+    drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
     CapturingLogSink log;
     RootFolderSet roots;
     LoggedInUserInfo user;
