@@ -7,6 +7,7 @@
 // paths land; it never changes what the component does with them.
 #pragma once
 
+#include <cstdio>
 #include <string>
 
 namespace platform::os {
@@ -18,6 +19,9 @@ inline constexpr const char* DriveRootVariable = "VANTO_DRIVE_Z";
 // <root>/a/b; any other drive letter maps to nothing and gives empty text, as a drive that is not
 // there; paths without a drive letter stay as they are. Windows: unchanged.
 std::wstring NativePath(const std::wstring& path);
+
+// Opens the file at `path` (mapped as above) for binary reading; null when it cannot be opened.
+std::FILE* OpenFileForReading(const std::wstring& path);
 
 // Reads the whole file at `path` (mapped as above) into `contents`; false when it cannot be opened
 // or read, in which case `contents` is empty.

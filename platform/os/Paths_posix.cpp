@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 
 namespace platform::os {
 
@@ -49,27 +48,9 @@ std::wstring NativePath(const std::wstring& path) {
     return mapped;
 }
 
-bool ReadWholeFile(const std::wstring& path, std::string& contents) {
-    contents.clear();
+std::FILE* OpenFileForReading(const std::wstring& path) {
     const std::string narrow = WideToUtf8(NativePath(path));
-    if (narrow.empty()) {
-        return false;
-    }
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(narrow.c_str(), "rb"),
-                                                               &std::fclose);
-    if (!file) {
-        return false;
-    }
-    char buffer[16 * 1024];
-    std::size_t count = 0;
-    while ((count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) {
-        contents.append(buffer, count);
-    }
-    if (std::ferror(file.get()) != 0) {
-        contents.clear();
-        return false;
-    }
-    return true;
+    return narrow.empty() ? nullptr : std::fopen(narrow.c_str(), "rb");
 }
 
 bool MoveDriveRoot(const std::wstring& folder) {

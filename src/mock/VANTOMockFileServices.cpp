@@ -7,11 +7,11 @@
 namespace {
 // HRESULT_FROM_WIN32(ERROR_NOT_FOUND): the store holds no files.
 constexpr HRESULT ElementNotFound = static_cast<HRESULT>(0x80070490);
-} // namespace
 
 // Check-in and check-out work out each item's result from the store, on a copy: the host's items
 // stay as they came in. Slots 3 to 7 write no log records.
-HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckIn(FileCheckInList* files) {
+template <class Items, class Answer>
+HRESULT AnswerFromStoreFiles(const Items* items, Answer answer) {
     try {
         const vanto::mock::MockStore* store = vanto::mock::Store();
         if (store == nullptr) {
@@ -21,12 +21,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckIn(FileCheck
         if (known.empty()) {
             return ElementNotFound;
         }
-        if (files != nullptr) {
-            FileCheckInList results;
-            results.reserve(files->size());
-            for (const FileCheckInEntry& item : *files) {
-                results.push_back(vanto::mock::CheckInResult(known, item));
-            }
+        if (items != nullptr) {
+            answer(known, *items);
         }
         return S_OK;
     } catch (...) {
@@ -34,26 +30,27 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckIn(FileCheck
     }
 }
 
+} // namespace
+
+HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckIn(FileCheckInList* files) {
+    return AnswerFromStoreFiles(
+        files, [](const vanto::mock::MockFileMap& known, const FileCheckInList& items) {
+            FileCheckInList results;
+            results.reserve(items.size());
+            for (const FileCheckInEntry& item : items) {
+                results.push_back(vanto::mock::CheckInResult(known, item));
+            }
+        });
+}
+
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckOut(FileLockStatusMap* files) {
-    try {
-        const vanto::mock::MockStore* store = vanto::mock::Store();
-        if (store == nullptr) {
-            return E_OUTOFMEMORY;
-        }
-        const vanto::mock::MockFileMap known = store->files;
-        if (known.empty()) {
-            return ElementNotFound;
-        }
-        if (files != nullptr) {
+    return AnswerFromStoreFiles(
+        files, [](const vanto::mock::MockFileMap& known, const FileLockStatusMap& items) {
             FileLockStatusMap results;
-            for (const auto& [name, item] : *files) {
+            for (const auto& [name, item] : items) {
                 results.emplace(name, vanto::mock::CheckOutResult(known, name, item));
             }
-        }
-        return S_OK;
-    } catch (...) {
-        return E_OUTOFMEMORY;
-    }
+        });
 }
 
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::IsValidCorvaneFile(
