@@ -38,6 +38,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -53,6 +54,8 @@ struct Schema;
 
 struct Field {
     std::string_view key;
+    // The key as the writer puts it after a previous member: ,"Key":
+    std::string_view keyText;
     Kind kind;
     // Address of the member inside a record of the schema's type.
     void* (*member)(void* record) noexcept;
@@ -112,6 +115,23 @@ template <class R> struct KindOf<Core::DynamicArray<Core::UniquePtr<R>>> {
 template <class M, class = void> struct ElementOf { using type = void; };
 template <class M> struct ElementOf<M, std::void_t<typename KindOf<M>::Element>> {
     using type = typename KindOf<M>::Element;
+};
+
+// ,"Key": spelled out at compile time, so that writing a key is one copy.
+template <class D> struct KeyText {
+    static constexpr std::size_t length = std::char_traits<char>::length(D::name);
+    static constexpr std::array<char, length + 4> Make() noexcept {
+        std::array<char, length + 4> text{};
+        text[0] = ',';
+        text[1] = '"';
+        for (std::size_t i = 0; i < length; ++i) {
+            text[2 + i] = D::name[i];
+        }
+        text[length + 2] = '"';
+        text[length + 3] = ':';
+        return text;
+    }
+    static constexpr std::array<char, length + 4> text = Make();
 };
 
 template <class T, class D> Field MakeField() noexcept;
@@ -176,7 +196,9 @@ template <class T, class D> Field MakeField() noexcept {
         nested = &SchemaOf<Element>;
     }
     return Field{
-        D::name, KindOf<Member>::value,
+        D::name,
+        {KeyText<D>::text.data(), KeyText<D>::text.size()},
+        KindOf<Member>::value,
         [](void* record) noexcept -> void* { return &(static_cast<T*>(record)->*D::pointer); },
         nested};
 }
