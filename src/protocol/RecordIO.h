@@ -1,9 +1,13 @@
 // One writer and one reader for every protocol record.
 //
-// A record states its fields once, with BOOST_DESCRIBE_CLASS: the member's name is its JSON key
-// and the member's type its kind. SchemaOf<T>() turns that description into a table (base
-// members first) that the writer and the reader in RecordIO.cpp walk; no record has JSON code of
-// its own.
+// A record states its fields once, with VANTO_JSON_FIELDS (Boost.Describe): the member's name is
+// its JSON key and the member's type its kind. SchemaOf<T>() turns that description into a table
+// (base members first) that the writer and the reader in RecordIO.cpp walk; no record has JSON code
+// of its own.
+//
+// No PropertyTree stands in between: the reader takes Boost.JSON's parser events straight into the
+// records and the writer writes the text straight from them, so no part of a record is written or
+// parsed twice.
 //
 // Writing (ToJson): one compact JSON object, keys in declared order, base keys first. Every text,
 // integer, flag and list key is always written ("" and [] when empty); a record member is
@@ -121,15 +125,15 @@ template <class M> struct ElementOf<M, std::void_t<typename KindOf<M>::Element>>
 template <class D> struct KeyText {
     static constexpr std::size_t length = std::char_traits<char>::length(D::name);
     static constexpr std::array<char, length + 4> Make() noexcept {
-        std::array<char, length + 4> text{};
-        text[0] = ',';
-        text[1] = '"';
+        std::array<char, length + 4> spelled{};
+        spelled[0] = ',';
+        spelled[1] = '"';
         for (std::size_t i = 0; i < length; ++i) {
-            text[2 + i] = D::name[i];
+            spelled[2 + i] = D::name[i];
         }
-        text[length + 2] = '"';
-        text[length + 3] = ':';
-        return text;
+        spelled[length + 2] = '"';
+        spelled[length + 3] = ':';
+        return spelled;
     }
     static constexpr std::array<char, length + 4> text = Make();
 };
@@ -215,7 +219,18 @@ template <class T> Core::TevString WriteJson(const T& record) noexcept {
 
 } // namespace vanto::protocol
 
-// The operations a record offers; the class states its members with BOOST_DESCRIBE_CLASS.
+// States a record's base and its members, in order, inside the class body. Boost.Describe's
+// macro passes empty variadic arguments, an extension in C++17 that clang -Wpedantic reports.
+#if defined(__clang__)
+#define VANTO_JSON_FIELDS(Class, Bases, Members)                                                   \
+    _Pragma("clang diagnostic push")                                                               \
+        _Pragma("clang diagnostic ignored \"-Wgnu-zero-variadic-macro-arguments\"")                \
+            BOOST_DESCRIBE_CLASS(Class, Bases, Members, (), ()) _Pragma("clang diagnostic pop")
+#else
+#define VANTO_JSON_FIELDS(Class, Bases, Members) BOOST_DESCRIBE_CLASS(Class, Bases, Members, (), ())
+#endif
+
+// The operations a record offers.
 // A record read from the connector: default construction, then construction from a JSON text.
 #define VANTO_JSON_READER(Class)                                                                   \
     Class() = default;                                                                             \

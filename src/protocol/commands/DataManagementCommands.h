@@ -17,8 +17,7 @@ public:
 
     Core::DynamicArray<Core::TevString> Files; // local file paths
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetFileContextInformationInput, (VersionedCommandInputBase),
-                         (Files), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetFileContextInformationInput, (VersionedCommandInputBase), (Files))
 };
 
 class CorvaneGetFileContextInformationOutput : public CommandOutputBase {
@@ -28,8 +27,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneFileContextInformation>>
         FileContextInformation;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetFileContextInformationOutput, (CommandOutputBase),
-                         (FileContextInformation), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetFileContextInformationOutput, (CommandOutputBase),
+                      (FileContextInformation))
 };
 
 class CorvaneGetFilePathByUidInput : public VersionedCommandInputBase {
@@ -40,8 +39,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneFileUidAndContextInformationPair>>
         ListOfFileUidAndContextInformation;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetFilePathByUidInput, (VersionedCommandInputBase),
-                         (ListOfFileUidAndContextInformation), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetFilePathByUidInput, (VersionedCommandInputBase),
+                      (ListOfFileUidAndContextInformation))
 };
 
 class CorvaneGetFilePathByUidOutput : public CommandOutputBase {
@@ -51,8 +50,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneStringToStringListPair>>
         DocumentIdToFilePathMap;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetFilePathByUidOutput, (CommandOutputBase),
-                         (DocumentIdToFilePathMap), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetFilePathByUidOutput, (CommandOutputBase), (DocumentIdToFilePathMap))
 };
 
 // The command literal is "CHECKFORNEWERVERSION" though the classes speak of the cloud.
@@ -64,8 +62,8 @@ public:
     Core::DynamicArray<Core::TevString> IdentifierToCheckForNewerVersion;
     std::int32_t IdentifierType = 0;
 
-    BOOST_DESCRIBE_CLASS(CorvaneCheckNewerVersionOnCloudInput, (VersionedCommandInputBase),
-                         (IdentifierToCheckForNewerVersion, IdentifierType), (), ())
+    VANTO_JSON_FIELDS(CorvaneCheckNewerVersionOnCloudInput, (VersionedCommandInputBase),
+                      (IdentifierToCheckForNewerVersion, IdentifierType))
 };
 
 class CorvaneCheckNewerVersionOnCloudOutput : public CommandOutputBase {
@@ -77,8 +75,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneStringToBoolPair>>
         IdentifierToHasNewerVersionInCloud;
 
-    BOOST_DESCRIBE_CLASS(CorvaneCheckNewerVersionOnCloudOutput, (CommandOutputBase),
-                         (IdentifierToNewerVersionId, IdentifierToHasNewerVersionInCloud), (), ())
+    VANTO_JSON_FIELDS(CorvaneCheckNewerVersionOnCloudOutput, (CommandOutputBase),
+                      (IdentifierToNewerVersionId, IdentifierToHasNewerVersionInCloud))
 };
 
 class CorvaneGetPropertiesInput : public VersionedCommandInputBase {
@@ -89,8 +87,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneStringToObjectTypesPair>>
         FilePathToObjectTypesArray;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetPropertiesInput, (VersionedCommandInputBase),
-                         (FilePathToObjectTypesArray), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetPropertiesInput, (VersionedCommandInputBase),
+                      (FilePathToObjectTypesArray))
 };
 
 class CorvaneGetPropertiesOutput : public CommandOutputBase {
@@ -99,8 +97,7 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneFileProperties>> FilePropertiesArray;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetPropertiesOutput, (CommandOutputBase), (FilePropertiesArray), (),
-                         ())
+    VANTO_JSON_FIELDS(CorvaneGetPropertiesOutput, (CommandOutputBase), (FilePropertiesArray))
 };
 
 class CorvaneGetAvailableContainersInput : public VersionedCommandInputBase {
@@ -112,8 +109,8 @@ public:
     Core::DynamicArray<std::int32_t> ContainerType;
     bool ReturnUnsynched = false; // the connector's spelling
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetAvailableContainersInput, (VersionedCommandInputBase),
-                         (Name, ContainerType, ReturnUnsynched), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetAvailableContainersInput, (VersionedCommandInputBase),
+                      (Name, ContainerType, ReturnUnsynched))
 };
 
 class CorvaneGetAvailableContainersOutput : public CommandOutputBase {
@@ -123,8 +120,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneContainerInformation>>
         ContainerInformation;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetAvailableContainersOutput, (CommandOutputBase),
-                         (ContainerInformation), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetAvailableContainersOutput, (CommandOutputBase),
+                      (ContainerInformation))
 };
 
 class CorvaneAddProjectToSyncInput : public VersionedCommandInputBase {
@@ -134,8 +131,7 @@ public:
 
     Core::TevString ProjectURN; // URN in capitals, unlike the records' "Urn"
 
-    BOOST_DESCRIBE_CLASS(CorvaneAddProjectToSyncInput, (VersionedCommandInputBase), (ProjectURN),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneAddProjectToSyncInput, (VersionedCommandInputBase), (ProjectURN))
 };
 
 class CorvaneAddProjectToSyncOutput : public CommandOutputBase {
@@ -144,7 +140,7 @@ public:
 
     Core::TevString TaskId;
 
-    BOOST_DESCRIBE_CLASS(CorvaneAddProjectToSyncOutput, (CommandOutputBase), (TaskId), (), ())
+    VANTO_JSON_FIELDS(CorvaneAddProjectToSyncOutput, (CommandOutputBase), (TaskId))
 };
 
 // Same layout as CorvaneIsPathMonitoredInput; only the command differs.
@@ -155,8 +151,7 @@ public:
 
     Core::DynamicArray<Core::TevString> Paths;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetAccessPermissionsInput, (VersionedCommandInputBase), (Paths), (),
-                         ())
+    VANTO_JSON_FIELDS(CorvaneGetAccessPermissionsInput, (VersionedCommandInputBase), (Paths))
 };
 
 class CorvaneGetAccessPermissionsOutput : public CommandOutputBase {
@@ -166,8 +161,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneAccessPermissionsInfo>>
         AccessPermissionsInfo;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetAccessPermissionsOutput, (CommandOutputBase),
-                         (AccessPermissionsInfo), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetAccessPermissionsOutput, (CommandOutputBase),
+                      (AccessPermissionsInfo))
 };
 
 class CorvaneIsPathMonitoredInput : public VersionedCommandInputBase {
@@ -177,7 +172,7 @@ public:
 
     Core::DynamicArray<Core::TevString> Paths;
 
-    BOOST_DESCRIBE_CLASS(CorvaneIsPathMonitoredInput, (VersionedCommandInputBase), (Paths), (), ())
+    VANTO_JSON_FIELDS(CorvaneIsPathMonitoredInput, (VersionedCommandInputBase), (Paths))
 };
 
 class CorvaneIsPathMonitoredOutput : public CommandOutputBase {
@@ -187,8 +182,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneStringToBoolPair>>
         PathToIsMonitored; // path, monitored
 
-    BOOST_DESCRIBE_CLASS(CorvaneIsPathMonitoredOutput, (CommandOutputBase), (PathToIsMonitored), (),
-                         ())
+    VANTO_JSON_FIELDS(CorvaneIsPathMonitoredOutput, (CommandOutputBase), (PathToIsMonitored))
 };
 
 } // namespace Corvane::CommandIO::DataManagement

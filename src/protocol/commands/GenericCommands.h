@@ -14,15 +14,14 @@ public:
     Core::UniquePtr<Corvane::DataTypes::CorvaneDataObjectKey> Key;
     Core::TevString Data;
 
-    BOOST_DESCRIBE_CLASS(CorvaneSetDataObjectInput, (VersionedCommandInputBase), (Key, Data), (),
-                         ())
+    VANTO_JSON_FIELDS(CorvaneSetDataObjectInput, (VersionedCommandInputBase), (Key, Data))
 };
 
 class CorvaneSetDataObjectOutput : public CommandOutputBase {
 public:
     VANTO_JSON_READER(CorvaneSetDataObjectOutput)
 
-    BOOST_DESCRIBE_CLASS(CorvaneSetDataObjectOutput, (CommandOutputBase), (), (), ())
+    VANTO_JSON_FIELDS(CorvaneSetDataObjectOutput, (CommandOutputBase), ())
 };
 
 } // namespace Corvane::CommandIO::Generic

@@ -19,8 +19,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>> DesignIdentifiers;
     std::int32_t TimeToLive = 0;
 
-    BOOST_DESCRIBE_CLASS(CorvaneLockDesignRevisionsInput, (VersionedCommandInputBase),
-                         (DesignIdentifiers, TimeToLive), (), ())
+    VANTO_JSON_FIELDS(CorvaneLockDesignRevisionsInput, (VersionedCommandInputBase),
+                      (DesignIdentifiers, TimeToLive))
 };
 
 class CorvaneLockDesignRevisionsOutput : public CommandOutputBase {
@@ -29,7 +29,7 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneLockInfo>> Status;
 
-    BOOST_DESCRIBE_CLASS(CorvaneLockDesignRevisionsOutput, (CommandOutputBase), (Status), (), ())
+    VANTO_JSON_FIELDS(CorvaneLockDesignRevisionsOutput, (CommandOutputBase), (Status))
 };
 
 class CorvaneUnLockDesignRevisionsInput : public VersionedCommandInputBase {
@@ -39,8 +39,8 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>> DesignIdentifiers;
 
-    BOOST_DESCRIBE_CLASS(CorvaneUnLockDesignRevisionsInput, (VersionedCommandInputBase),
-                         (DesignIdentifiers), (), ())
+    VANTO_JSON_FIELDS(CorvaneUnLockDesignRevisionsInput, (VersionedCommandInputBase),
+                      (DesignIdentifiers))
 };
 
 class CorvaneUnLockDesignRevisionsOutput : public CommandOutputBase {
@@ -49,7 +49,7 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneLockInfo>> Status;
 
-    BOOST_DESCRIBE_CLASS(CorvaneUnLockDesignRevisionsOutput, (CommandOutputBase), (Status), (), ())
+    VANTO_JSON_FIELDS(CorvaneUnLockDesignRevisionsOutput, (CommandOutputBase), (Status))
 };
 
 class CorvaneQueryDesignRevisionsInput : public VersionedCommandInputBase {
@@ -63,8 +63,8 @@ public:
     std::int32_t Operator = 0; // how the two criteria combine
     Core::UniquePtr<DataTypes::CorvaneContextInformation> Context;
 
-    BOOST_DESCRIBE_CLASS(CorvaneQueryDesignRevisionsInput, (VersionedCommandInputBase),
-                         (AttachmentCriteria, RevisionCriteria, Options, Operator, Context), (), ())
+    VANTO_JSON_FIELDS(CorvaneQueryDesignRevisionsInput, (VersionedCommandInputBase),
+                      (AttachmentCriteria, RevisionCriteria, Options, Operator, Context))
 };
 
 class CorvaneQueryDesignRevisionsOutput : public CommandOutputBase {
@@ -74,8 +74,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneContextToDesignRevisions>>
         DesignRevisionInfo;
 
-    BOOST_DESCRIBE_CLASS(CorvaneQueryDesignRevisionsOutput, (CommandOutputBase),
-                         (DesignRevisionInfo), (), ())
+    VANTO_JSON_FIELDS(CorvaneQueryDesignRevisionsOutput, (CommandOutputBase), (DesignRevisionInfo))
 };
 
 class CorvaneQueryPrimaryObjectsInput : public VersionedCommandInputBase {
@@ -87,8 +86,8 @@ public:
     std::int32_t IdentifierType = 0;
     Core::DynamicArray<Core::TevString> RelationTypes;
 
-    BOOST_DESCRIBE_CLASS(CorvaneQueryPrimaryObjectsInput, (VersionedCommandInputBase),
-                         (Identifier, IdentifierType, RelationTypes), (), ())
+    VANTO_JSON_FIELDS(CorvaneQueryPrimaryObjectsInput, (VersionedCommandInputBase),
+                      (Identifier, IdentifierType, RelationTypes))
 };
 
 // Logged by its caller, so it writes too.
@@ -99,8 +98,7 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneQueryRelationInfo>> QueryRelationInfos;
 
-    BOOST_DESCRIBE_CLASS(CorvaneQueryPrimaryObjectsOutput, (CommandOutputBase),
-                         (QueryRelationInfos), (), ())
+    VANTO_JSON_FIELDS(CorvaneQueryPrimaryObjectsOutput, (CommandOutputBase), (QueryRelationInfos))
 };
 
 class CorvaneGetNextIdInput : public VersionedCommandInputBase {
@@ -114,9 +112,8 @@ public:
     Core::DynamicArray<Core::TevString> Properties;
     Core::TevString DirectoryPath;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetNextIdInput, (VersionedCommandInputBase),
-                         (FileExtension, NumberOfIds, GetInitialRevId, Properties, DirectoryPath),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneGetNextIdInput, (VersionedCommandInputBase),
+                      (FileExtension, NumberOfIds, GetInitialRevId, Properties, DirectoryPath))
 };
 
 class CorvaneGetNextIdOutput : public CommandOutputBase {
@@ -125,7 +122,7 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneGetNextIdInfo>> NextIdInfo;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetNextIdOutput, (CommandOutputBase), (NextIdInfo), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetNextIdOutput, (CommandOutputBase), (NextIdInfo))
 };
 
 class CorvaneGetNextRevisionIdInput : public VersionedCommandInputBase {
@@ -137,8 +134,8 @@ public:
         DesignRevisionIdentifiers;
     Core::DynamicArray<Core::TevString> Properties;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetNextRevisionIdInput, (VersionedCommandInputBase),
-                         (DesignRevisionIdentifiers, Properties), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetNextRevisionIdInput, (VersionedCommandInputBase),
+                      (DesignRevisionIdentifiers, Properties))
 };
 
 class CorvaneGetNextRevisionIdOutput : public CommandOutputBase {
@@ -147,8 +144,7 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneGetNextRevisionIdInfo>> NextRevisionIdInfo;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetNextRevisionIdOutput, (CommandOutputBase), (NextRevisionIdInfo),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneGetNextRevisionIdOutput, (CommandOutputBase), (NextRevisionIdInfo))
 };
 
 // The input's list key is plural, the output's ("ParentChildRelationInfo") singular.
@@ -160,8 +156,8 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneAddChildInputInfo>>
         ParentChildRelationInfos;
 
-    BOOST_DESCRIBE_CLASS(CorvaneAddChildrenInput, (VersionedCommandInputBase),
-                         (ParentChildRelationInfos), (), ())
+    VANTO_JSON_FIELDS(CorvaneAddChildrenInput, (VersionedCommandInputBase),
+                      (ParentChildRelationInfos))
 };
 
 class CorvaneAddChildrenOutput : public CommandOutputBase {
@@ -172,8 +168,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneParentToRelationsInfo>>
         ParentChildRelationInfo;
 
-    BOOST_DESCRIBE_CLASS(CorvaneAddChildrenOutput, (CommandOutputBase), (ParentChildRelationInfo),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneAddChildrenOutput, (CommandOutputBase), (ParentChildRelationInfo))
 };
 
 class CorvaneGetChildrenInput : public VersionedCommandInputBase {
@@ -184,8 +179,8 @@ public:
     Core::TevString Identifier;
     std::int32_t IdentifierType = 0;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetChildrenInput, (VersionedCommandInputBase),
-                         (Identifier, IdentifierType), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetChildrenInput, (VersionedCommandInputBase),
+                      (Identifier, IdentifierType))
 };
 
 class CorvaneGetChildrenOutput : public CommandOutputBase {
@@ -196,8 +191,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneParentToRelationsInfo>>
         ParentChildRelationInfo;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetChildrenOutput, (CommandOutputBase), (ParentChildRelationInfo),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneGetChildrenOutput, (CommandOutputBase), (ParentChildRelationInfo))
 };
 
 class CorvaneRemoveChildrenInput : public VersionedCommandInputBase {
@@ -207,8 +201,7 @@ public:
 
     Core::DynamicArray<Core::TevString> RelationURNs;
 
-    BOOST_DESCRIBE_CLASS(CorvaneRemoveChildrenInput, (VersionedCommandInputBase), (RelationURNs),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneRemoveChildrenInput, (VersionedCommandInputBase), (RelationURNs))
 };
 
 // Only "Errors"; other keys of the answer are ignored.
@@ -217,7 +210,7 @@ public:
     VANTO_JSON_READER(CorvaneRemoveChildrenOutput)
     VANTO_JSON_WRITER(CorvaneRemoveChildrenOutput)
 
-    BOOST_DESCRIBE_CLASS(CorvaneRemoveChildrenOutput, (CommandOutputBase), (), (), ())
+    VANTO_JSON_FIELDS(CorvaneRemoveChildrenOutput, (CommandOutputBase), ())
 };
 
 } // namespace Corvane::CommandIO::DataManagement::MCAD

@@ -13,7 +13,7 @@ public:
 
     Core::TevString CollaborationSpaceId;
 
-    BOOST_DESCRIBE_CLASS(CorvaneCollaborationSpace, (), (CollaborationSpaceId), (), ())
+    VANTO_JSON_FIELDS(CorvaneCollaborationSpace, (), (CollaborationSpaceId))
 };
 
 class CorvaneContainerInformation : public Core::AllocatableObject {
@@ -28,10 +28,9 @@ public:
     std::int32_t ContainerOwnershipType = 0;
     Core::UniquePtr<CorvaneCollaborationSpace> CollaborationSpace;
 
-    BOOST_DESCRIBE_CLASS(CorvaneContainerInformation, (),
-                         (LocalFilePath, ContainerType, ContainerName, ContainerId, ContainerUrn,
-                          ContainerOwnershipType, CollaborationSpace),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneContainerInformation, (),
+                      (LocalFilePath, ContainerType, ContainerName, ContainerId, ContainerUrn,
+                       ContainerOwnershipType, CollaborationSpace))
 };
 
 class CorvaneContextInformation : public Core::AllocatableObject {
@@ -44,8 +43,8 @@ public:
     Core::TevString ContainerId;
     Core::TevString ContainerURN;
 
-    BOOST_DESCRIBE_CLASS(CorvaneContextInformation, (),
-                         (CollaborationSpaceId, ContainerType, ContainerId, ContainerURN), (), ())
+    VANTO_JSON_FIELDS(CorvaneContextInformation, (),
+                      (CollaborationSpaceId, ContainerType, ContainerId, ContainerURN))
 };
 
 class CorvaneFileContextInformation : public Core::AllocatableObject {
@@ -56,8 +55,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<CorvaneFileInformationObject>> FileInformation;
     Core::UniquePtr<CorvaneContextInformation> ContextInformation;
 
-    BOOST_DESCRIBE_CLASS(CorvaneFileContextInformation, (), (FileInformation, ContextInformation),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneFileContextInformation, (), (FileInformation, ContextInformation))
 };
 
 class CorvaneFileUidAndContextInformationPair : public Core::AllocatableObject {
@@ -67,8 +65,7 @@ public:
     Core::TevString FileUid;
     Core::UniquePtr<CorvaneContextInformation> ContextInformation;
 
-    BOOST_DESCRIBE_CLASS(CorvaneFileUidAndContextInformationPair, (), (FileUid, ContextInformation),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneFileUidAndContextInformationPair, (), (FileUid, ContextInformation))
 };
 
 } // namespace Corvane::DataTypes

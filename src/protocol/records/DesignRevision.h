@@ -17,10 +17,8 @@ public:
     Core::TevString LockedByUrn;
     std::int32_t ErrorCode = 0; // return code for this identifier alone
 
-    BOOST_DESCRIBE_CLASS(CorvaneLockInfo, (),
-                         (DesignIdentifier, LockedBy, LockedAt, LockExpires, LockedByUrn,
-                          ErrorCode),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneLockInfo, (),
+                      (DesignIdentifier, LockedBy, LockedAt, LockExpires, LockedByUrn, ErrorCode))
 };
 
 class CorvaneDataset : public Core::AllocatableObject {
@@ -46,11 +44,10 @@ public:
     Core::TevString FileName;
     Core::TevString Domain;
 
-    BOOST_DESCRIBE_CLASS(CorvaneDataset, (),
-                         (CreationDate, Id, LastModifiedDate, Name, ContentType, OwnerId,
-                          Properties, AdhocProperties, Urn, VersionId, IsRelated, Checksum,
-                          FileSize, LastModifiedBy, CreatedBy, DatasetType, FileName, Domain),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneDataset, (),
+                      (CreationDate, Id, LastModifiedDate, Name, ContentType, OwnerId, Properties,
+                       AdhocProperties, Urn, VersionId, IsRelated, Checksum, FileSize,
+                       LastModifiedBy, CreatedBy, DatasetType, FileName, Domain))
 };
 
 class CorvaneDesignRevision : public Core::AllocatableObject {
@@ -67,10 +64,9 @@ public:
     Core::DynamicArray<Core::UniquePtr<CorvaneDataset>> Datasets;
     Core::UniquePtr<CorvaneLockInfo> LockInfo; // empty when the revision is not locked
 
-    BOOST_DESCRIBE_CLASS(CorvaneDesignRevision, (),
-                         (CreationDate, Id, LastModifiedDate, Name, OwnerId, Properties, Urn,
-                          Datasets, LockInfo),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneDesignRevision, (),
+                      (CreationDate, Id, LastModifiedDate, Name, OwnerId, Properties, Urn, Datasets,
+                       LockInfo))
 };
 
 class CorvaneContextToDesignRevisions : public Core::AllocatableObject {
@@ -81,8 +77,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<CorvaneDesignRevision>> DesignRevision;
     Core::UniquePtr<CorvaneContextInformation> ContextInformation;
 
-    BOOST_DESCRIBE_CLASS(CorvaneContextToDesignRevisions, (), (DesignRevision, ContextInformation),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneContextToDesignRevisions, (), (DesignRevision, ContextInformation))
 };
 
 } // namespace Corvane::DataTypes

@@ -12,7 +12,7 @@ public:
     Core::TevString Value;           // a file path, id or URN, as IdentifierType says
     std::int32_t IdentifierType = 0; // the connector's enumeration
 
-    BOOST_DESCRIBE_CLASS(CorvaneDesignIdentifier, (), (Value, IdentifierType), (), ())
+    VANTO_JSON_FIELDS(CorvaneDesignIdentifier, (), (Value, IdentifierType))
 };
 
 class CorvaneProperty : public Core::AllocatableObject {
@@ -24,7 +24,7 @@ public:
     std::int32_t PropertyType = 0;                      // the connector's enumeration
     Core::DynamicArray<Core::TevString> PropertyValues; // always as texts
 
-    BOOST_DESCRIBE_CLASS(CorvaneProperty, (), (Name, PropertyType, PropertyValues), (), ())
+    VANTO_JSON_FIELDS(CorvaneProperty, (), (Name, PropertyType, PropertyValues))
 };
 
 class CorvaneFileInformationObject : public Core::AllocatableObject {
@@ -40,10 +40,9 @@ public:
     Core::TevString ComponentRevisionUrn;
     Core::TevString DocumentUrn;
 
-    BOOST_DESCRIBE_CLASS(CorvaneFileInformationObject, (),
-                         (FilePaths, ComponentId, ComponentRevisionId, DocumentId, ComponentUrn,
-                          ComponentRevisionUrn, DocumentUrn),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneFileInformationObject, (),
+                      (FilePaths, ComponentId, ComponentRevisionId, DocumentId, ComponentUrn,
+                       ComponentRevisionUrn, DocumentUrn))
 };
 
 class CorvaneObjectTypeToPropertiesPair : public Core::AllocatableObject {
@@ -53,7 +52,7 @@ public:
     std::int32_t ObjectType = 0;
     Core::DynamicArray<Core::UniquePtr<CorvaneProperty>> Properties;
 
-    BOOST_DESCRIBE_CLASS(CorvaneObjectTypeToPropertiesPair, (), (ObjectType, Properties), (), ())
+    VANTO_JSON_FIELDS(CorvaneObjectTypeToPropertiesPair, (), (ObjectType, Properties))
 };
 
 class CorvaneFileProperties : public Core::AllocatableObject {
@@ -64,7 +63,7 @@ public:
     Core::DynamicArray<Core::UniquePtr<CorvaneObjectTypeToPropertiesPair>>
         ObjectTypeToPropertiesArray;
 
-    BOOST_DESCRIBE_CLASS(CorvaneFileProperties, (), (FilePath, ObjectTypeToPropertiesArray), (), ())
+    VANTO_JSON_FIELDS(CorvaneFileProperties, (), (FilePath, ObjectTypeToPropertiesArray))
 };
 
 class CorvaneAccessPermissionsInfo : public Core::AllocatableObject {
@@ -75,8 +74,7 @@ public:
     std::int32_t AccessPermission = 0; // the connector's enumeration
     Core::TevString MoreInfo;
 
-    BOOST_DESCRIBE_CLASS(CorvaneAccessPermissionsInfo, (), (Path, AccessPermission, MoreInfo), (),
-                         ())
+    VANTO_JSON_FIELDS(CorvaneAccessPermissionsInfo, (), (Path, AccessPermission, MoreInfo))
 };
 
 } // namespace Corvane::DataTypes

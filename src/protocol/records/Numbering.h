@@ -13,7 +13,7 @@ public:
     Core::TevString Number; // the generated number, as text
     Core::TevString Revid;  // the generated revision id
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetNextIdInfo, (), (PropertyName, Number, Revid), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetNextIdInfo, (), (PropertyName, Number, Revid))
 };
 
 class CorvaneGetNextRevisionIdInfo : public Core::AllocatableObject {
@@ -23,7 +23,7 @@ public:
     Core::TevString RevisionFilepath; // the connector spells it with a lower-case p
     Core::TevString Revid;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetNextRevisionIdInfo, (), (RevisionFilepath, Revid), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetNextRevisionIdInfo, (), (RevisionFilepath, Revid))
 };
 
 } // namespace Corvane::DataTypes

@@ -13,7 +13,7 @@ public:
     Core::TevString Key;
     Core::TevString Value;
 
-    BOOST_DESCRIBE_CLASS(CorvaneStringToStringPair, (), (Key, Value), (), ())
+    VANTO_JSON_FIELDS(CorvaneStringToStringPair, (), (Key, Value))
 };
 
 class CorvaneStringToBoolPair : public Core::AllocatableObject {
@@ -23,7 +23,7 @@ public:
     Core::TevString Key;
     bool Value = false;
 
-    BOOST_DESCRIBE_CLASS(CorvaneStringToBoolPair, (), (Key, Value), (), ())
+    VANTO_JSON_FIELDS(CorvaneStringToBoolPair, (), (Key, Value))
 };
 
 class CorvaneStringToStringListPair : public Core::AllocatableObject {
@@ -33,7 +33,7 @@ public:
     Core::TevString Key;
     Core::DynamicArray<Core::TevString> Values;
 
-    BOOST_DESCRIBE_CLASS(CorvaneStringToStringListPair, (), (Key, Values), (), ())
+    VANTO_JSON_FIELDS(CorvaneStringToStringListPair, (), (Key, Values))
 };
 
 class CorvaneStringToObjectTypesPair : public Core::AllocatableObject {
@@ -43,7 +43,7 @@ public:
     Core::TevString Key;
     Core::DynamicArray<std::int32_t> ObjectTypeList; // the connector's object types
 
-    BOOST_DESCRIBE_CLASS(CorvaneStringToObjectTypesPair, (), (Key, ObjectTypeList), (), ())
+    VANTO_JSON_FIELDS(CorvaneStringToObjectTypesPair, (), (Key, ObjectTypeList))
 };
 
 class CorvaneDataObjectKey : public Core::AllocatableObject {
@@ -53,7 +53,7 @@ public:
     Core::TevString PrimaryKey;
     Core::TevString SecondaryKey;
 
-    BOOST_DESCRIBE_CLASS(CorvaneDataObjectKey, (), (PrimaryKey, SecondaryKey), (), ())
+    VANTO_JSON_FIELDS(CorvaneDataObjectKey, (), (PrimaryKey, SecondaryKey))
 };
 
 } // namespace Corvane::DataTypes

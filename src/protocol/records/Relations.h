@@ -15,8 +15,8 @@ public:
     std::int32_t IdentifierType = 0;
     Core::DynamicArray<Core::UniquePtr<CorvaneProperty>> RelationProperties;
 
-    BOOST_DESCRIBE_CLASS(CorvaneChildRevisionInfo, (),
-                         (Identifier, IdentifierType, RelationProperties), (), ())
+    VANTO_JSON_FIELDS(CorvaneChildRevisionInfo, (),
+                      (Identifier, IdentifierType, RelationProperties))
 };
 
 class CorvaneAddChildInputInfo : public Core::AllocatableObject {
@@ -27,8 +27,8 @@ public:
     std::int32_t ParentIdentifierType = 0;
     Core::DynamicArray<Core::UniquePtr<CorvaneChildRevisionInfo>> ChildRevisionInfos;
 
-    BOOST_DESCRIBE_CLASS(CorvaneAddChildInputInfo, (),
-                         (ParentIdentifier, ParentIdentifierType, ChildRevisionInfos), (), ())
+    VANTO_JSON_FIELDS(CorvaneAddChildInputInfo, (),
+                      (ParentIdentifier, ParentIdentifierType, ChildRevisionInfos))
 };
 
 class CorvaneChildRelationInfo : public Core::AllocatableObject {
@@ -43,10 +43,9 @@ public:
     Core::TevString RelationVersionId;
     Core::DynamicArray<Core::UniquePtr<CorvaneProperty>> RelationProperties;
 
-    BOOST_DESCRIBE_CLASS(CorvaneChildRelationInfo, (),
-                         (ChildDocumentInfo, RelationId, RelationUrn, RelationType,
-                          RelationVersionId, RelationProperties),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneChildRelationInfo, (),
+                      (ChildDocumentInfo, RelationId, RelationUrn, RelationType, RelationVersionId,
+                       RelationProperties))
 };
 
 class CorvaneParentToRelationsInfo : public Core::AllocatableObject {
@@ -57,8 +56,7 @@ public:
     Core::UniquePtr<CorvaneFileInformationObject> ParentDocumentInfo;
     Core::DynamicArray<Core::UniquePtr<CorvaneChildRelationInfo>> ChildRelationInfos;
 
-    BOOST_DESCRIBE_CLASS(CorvaneParentToRelationsInfo, (), (ParentDocumentInfo, ChildRelationInfos),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneParentToRelationsInfo, (), (ParentDocumentInfo, ChildRelationInfos))
 };
 
 class CorvaneRelation : public Core::AllocatableObject {
@@ -73,10 +71,9 @@ public:
     Core::TevString RelationConsistencyStamp;
     Core::DynamicArray<Core::UniquePtr<CorvaneProperty>> RelationProperties;
 
-    BOOST_DESCRIBE_CLASS(CorvaneRelation, (),
-                         (RelatedDocument, RelationId, RelationUrn, RelationType,
-                          RelationConsistencyStamp, RelationProperties),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneRelation, (),
+                      (RelatedDocument, RelationId, RelationUrn, RelationType,
+                       RelationConsistencyStamp, RelationProperties))
 };
 
 class CorvaneQueryRelationInfo : public Core::AllocatableObject {
@@ -87,7 +84,7 @@ public:
     Core::UniquePtr<CorvaneFileInformationObject> InputDocument;
     Core::DynamicArray<Core::UniquePtr<CorvaneRelation>> Relations;
 
-    BOOST_DESCRIBE_CLASS(CorvaneQueryRelationInfo, (), (InputDocument, Relations), (), ())
+    VANTO_JSON_FIELDS(CorvaneQueryRelationInfo, (), (InputDocument, Relations))
 };
 
 } // namespace Corvane::DataTypes

@@ -13,7 +13,7 @@ public:
     Core::TevString Value;
     std::int32_t ComparisionOp = 0; // the connector's key, spelled so
 
-    BOOST_DESCRIBE_CLASS(CorvaneSearchTerm, (), (Property, Value, ComparisionOp), (), ())
+    VANTO_JSON_FIELDS(CorvaneSearchTerm, (), (Property, Value, ComparisionOp))
 };
 
 class CorvaneSearchDefinition : public Core::AllocatableObject {
@@ -23,7 +23,7 @@ public:
     std::int32_t Operator = 0; // how the terms combine
     Core::DynamicArray<Core::UniquePtr<CorvaneSearchTerm>> SearchTerms;
 
-    BOOST_DESCRIBE_CLASS(CorvaneSearchDefinition, (), (Operator, SearchTerms), (), ())
+    VANTO_JSON_FIELDS(CorvaneSearchDefinition, (), (Operator, SearchTerms))
 };
 
 class CorvaneSearchCriteria : public Core::AllocatableObject {
@@ -32,7 +32,7 @@ public:
 
     Core::UniquePtr<CorvaneSearchDefinition> Definition;
 
-    BOOST_DESCRIBE_CLASS(CorvaneSearchCriteria, (), (Definition), (), ())
+    VANTO_JSON_FIELDS(CorvaneSearchCriteria, (), (Definition))
 };
 
 class CorvaneSearchOptions : public Core::AllocatableObject {
@@ -42,7 +42,7 @@ public:
     std::int32_t Skip = 0;
     std::int32_t Limit = 0;
 
-    BOOST_DESCRIBE_CLASS(CorvaneSearchOptions, (), (Skip, Limit), (), ())
+    VANTO_JSON_FIELDS(CorvaneSearchOptions, (), (Skip, Limit))
 };
 
 } // namespace Corvane::DataTypes::Search
