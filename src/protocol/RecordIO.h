@@ -209,10 +209,13 @@ template <class T, class D> Field MakeField() noexcept {
 
 } // namespace detail
 
-template <class T> void ReadJson(T& record, const Core::TevString& json) noexcept {
+// The reading routine that a record's constructor from a text runs. On a record already read it
+// replaces what the text has data for and keeps the rest.
+template <class T> void FromJson(T& record, const Core::TevString& json) noexcept {
     ReadRecord(&record, SchemaOf<T>(), json);
 }
 
+// What a record's ToJson() returns.
 template <class T> Core::TevString WriteJson(const T& record) noexcept {
     return WriteRecord(&record, SchemaOf<T>());
 }
@@ -235,7 +238,7 @@ template <class T> Core::TevString WriteJson(const T& record) noexcept {
 #define VANTO_JSON_READER(Class)                                                                   \
     Class() = default;                                                                             \
     explicit Class(const Core::TevString& json) {                                                  \
-        ::vanto::protocol::ReadJson(*this, json);                                                  \
+        ::vanto::protocol::FromJson(*this, json);                                                  \
     }
 // A record written to the connector (or logged).
 #define VANTO_JSON_WRITER(Class)                                                                   \

@@ -111,7 +111,7 @@ TEST(BadInput, WrongKindsEverywhereGiveDefaults) {
     text += R"({"DesignRevision":{"Id":"r"},"ContextInformation":["c"]},)";
     text += R"({"DesignRevision":[{"Id":7,"Datasets":{"x":1},"LockInfo":[],"Properties":[7]}]}]})";
     CorvaneQueryDesignRevisionsOutput output(R"({"Errors":[{"ErrorCode":1}]})");
-    EXPECT_NO_THROW(vanto::protocol::ReadJson(output, text));
+    EXPECT_NO_THROW(vanto::protocol::FromJson(output, text));
     EXPECT_EQ(1U, output.Errors.size());
     ASSERT_EQ(5U, output.DesignRevisionInfo.size());
     EXPECT_TRUE(output.DesignRevisionInfo[3]->DesignRevision.empty());
@@ -147,7 +147,7 @@ TEST(BadInput, NothingIsLeftBehindWhateverTheTextIs) {
     }
     {
         CorvaneGetSessionInfoOutput reread(answer);
-        vanto::protocol::ReadJson(reread, answer);
+        vanto::protocol::FromJson(reread, answer);
         EXPECT_EQ(1U, reread.Errors.size());
     }
     EXPECT_EQ(before, Core::MemoryManager::LiveAllocations());

@@ -34,7 +34,7 @@ TEST(ReadingRules, ValuesOfTheWrongKindLeaveMembersAsTheyWere) {
     EXPECT_TRUE(fresh.Capabilities.empty());
 
     CorvaneGetSessionInfoOutput filled(FullSessionInfo);
-    vanto::protocol::ReadJson(filled, wrong);
+    vanto::protocol::FromJson(filled, wrong);
     EXPECT_EQ(1U, filled.Errors.size());
     EXPECT_EQ("Ann", filled.AuthenticatedUserName);
     EXPECT_TRUE(filled.IsLoggedIn);
@@ -72,7 +72,7 @@ TEST(ReadingRules, ListElementsOfTheWrongKindKeepTheirPlaceAsDefaults) {
     EXPECT_EQ(9, output.Errors[1]->ErrorCode);
 
     CorvaneStringToObjectTypesPair pair;
-    vanto::protocol::ReadJson(pair, R"({"ObjectTypeList":[1,"2",3.5,4294967296,-4,{}]})");
+    vanto::protocol::FromJson(pair, R"({"ObjectTypeList":[1,"2",3.5,4294967296,-4,{}]})");
     EXPECT_EQ((IntegerList{1, 0, 0, 0, -4, 0}), pair.ObjectTypeList);
 }
 
@@ -91,7 +91,7 @@ TEST(ReadingRules, ARecordNeedsAnObjectWithAtLeastOneKey) {
 
 TEST(ReadingRules, ReadingAgainReplacesListsAndKeepsWhatHasNoData) {
     CorvaneGetSessionInfoOutput info(FullSessionInfo);
-    vanto::protocol::ReadJson(info, R"({"Capabilities":["c9"],"Errors":[],"UserId":""})");
+    vanto::protocol::FromJson(info, R"({"Capabilities":["c9"],"Errors":[],"UserId":""})");
     EXPECT_EQ(TextList{"c9"}, info.Capabilities);
     EXPECT_EQ(1U, info.Errors.size()); // an empty array is no data
     EXPECT_EQ("", info.UserId);        // an empty string is a string
