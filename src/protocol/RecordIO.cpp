@@ -466,6 +466,35 @@ struct Escapes {
 };
 constexpr Escapes EscapeTable;
 
+// Whether any of the eight bytes in `word` needs escaping: below 0x20, '"' or '\\'. Exact, as
+// only the question "any?" is asked.
+bool AnyToEscape(std::uint64_t word) noexcept {
+    constexpr std::uint64_t ones = 0x0101010101010101U;
+    constexpr std::uint64_t highs = 0x8080808080808080U;
+    const auto anyZero = [](std::uint64_t v) { return (v - ones) & ~v & highs; };
+    return (((word - ones * 0x20) & ~word & highs) | anyZero(word ^ (ones * '"')) |
+            anyZero(word ^ (ones * '\\'))) != 0;
+}
+
+// The position of the first byte from `from` on that needs escaping; text.size() if none.
+// Texts are scanned eight bytes at a time, as most have nothing to escape.
+std::size_t NextToEscape(std::string_view text, std::size_t from) noexcept {
+    std::size_t i = from;
+    for (; i + 8 <= text.size(); i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + i, sizeof word);
+        if (AnyToEscape(word)) {
+            break;
+        }
+    }
+    for (; i < text.size(); ++i) {
+        if (EscapeTable.needed[static_cast<unsigned char>(text[i])]) {
+            return i;
+        }
+    }
+    return text.size();
+}
+
 // The text being written, filled through a raw pointer: room is made once per piece, not per
 // character.
 class JsonText {
@@ -498,11 +527,9 @@ public:
         Room(text.size() + 2);
         Put('"');
         std::size_t plain = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
+        for (std::size_t i = NextToEscape(text, 0); i < text.size();
+             i = NextToEscape(text, i + 1)) {
             const auto c = static_cast<unsigned char>(text[i]);
-            if (!EscapeTable.needed[c]) {
-                continue;
-            }
             Put(text.substr(plain, i - plain));
             plain = i + 1;
             // Room for the escape and everything after it still unwritten.

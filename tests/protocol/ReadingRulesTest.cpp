@@ -3,7 +3,11 @@
 #include "protocol/commands/MCADCommands.h"
 #include "protocol/registration/SessionOutputs.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
 
 #include <string>
 
@@ -122,6 +126,24 @@ TEST(ReadingRules, EscapesAreDecodedToUtf8AndWrittenBack) {
     EXPECT_EQ(
         "{\"Value\":\"caf\xC3\xA9 \xF0\x9F\x98\x80 \\\"q\\\" \\\\ / \\n\",\"IdentifierType\":0}",
         identifier.ToJson().str());
+}
+
+// Boost.JSON's own parser as the judge: whatever a text holds, wherever in it, comes back whole.
+TEST(ReadingRules, WrittenTextsParseBackToTheSameBytes) {
+    Corvane::DataTypes::CorvaneDesignIdentifier identifier;
+    for (const char* special : {"\x00", "\x01", "\x1F", "\"", "\\", "\x7F", "\xC3\xA9", "/"}) {
+        for (std::size_t at = 0; at < 19; ++at) {
+            std::string value(18, 'a');
+            value.insert(at, std::string(special, std::max<std::size_t>(1, std::strlen(special))));
+            identifier.Value = value;
+            const Core::TevString text = identifier.ToJson();
+            const boost::json::value parsed = boost::json::parse(text.str());
+            EXPECT_EQ(value, std::string(parsed.at("Value").as_string().c_str(),
+                                         parsed.at("Value").as_string().size()))
+                << text.str();
+            EXPECT_EQ(value, Corvane::DataTypes::CorvaneStringToStringPair(text).Value);
+        }
+    }
 }
 
 } // namespace
