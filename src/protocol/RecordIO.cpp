@@ -444,11 +444,16 @@ private:
     std::uint64_t& completed_;
 };
 
+// Standard JSON only, so that what is accepted here is what any other reader of the connector's
+// answers accepts. The parser itself keeps rejecting lone surrogate escapes and exponents beyond
+// its range; integers beyond 64 bits arrive as doubles, which no member takes.
 boost::json::parse_options ReaderOptions() noexcept {
     boost::json::parse_options options;
+    // Deeper than any answer (about ten levels), low enough to bound the parser's own recursion.
     options.max_depth = MaxJsonDepth;
     options.allow_comments = false;
     options.allow_trailing_commas = false;
+    // Texts are UTF-8 throughout; an answer that is not cannot be trusted in any of its texts.
     options.allow_invalid_utf8 = false;
     return options;
 }
