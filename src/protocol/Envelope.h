@@ -14,7 +14,7 @@ public:
     Core::TevString Command;
     Core::TevString SessionId; // filled by the caller just before sending
 
-    BOOST_DESCRIBE_CLASS(CommandInputBase, (), (Command, SessionId), (), ())
+    VANTO_JSON_FIELDS(CommandInputBase, (), (Command, SessionId))
 };
 
 // The base of every command input of the catalogue; "Version" follows the two keys above.
@@ -25,7 +25,7 @@ public:
 
     std::int32_t Version = 1; // the only version there is
 
-    BOOST_DESCRIBE_CLASS(VersionedCommandInputBase, (CommandInputBase), (Version), (), ())
+    VANTO_JSON_FIELDS(VersionedCommandInputBase, (CommandInputBase), (Version))
 };
 
 } // namespace Core::CommandIO
@@ -41,7 +41,7 @@ public:
     std::int32_t ErrorCode = 0;
     Core::DynamicArray<Core::TevString> Ids;
 
-    BOOST_DESCRIBE_CLASS(ErrorInfo, (), (ErrorCode, Ids), (), ())
+    VANTO_JSON_FIELDS(ErrorInfo, (), (ErrorCode, Ids))
 };
 
 } // namespace Corvane::Error
@@ -57,7 +57,7 @@ public:
 
     Core::DynamicArray<Core::UniquePtr<Corvane::Error::ErrorInfo>> Errors;
 
-    BOOST_DESCRIBE_CLASS(CommandOutputBase, (), (Errors), (), ())
+    VANTO_JSON_FIELDS(CommandOutputBase, (), (Errors))
 };
 
 } // namespace Corvane::CommandIO

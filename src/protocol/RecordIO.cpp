@@ -8,7 +8,9 @@
 
 #include <boost/json/basic_parser_impl.hpp>
 
+#include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <limits>
 #include <string>
 
@@ -442,68 +444,209 @@ private:
     std::uint64_t& completed_;
 };
 
+// Standard JSON only, so that what is accepted here is what any other reader of the connector's
+// answers accepts. The parser itself keeps rejecting lone surrogate escapes and exponents beyond
+// its range; integers beyond 64 bits arrive as doubles, which no member takes.
 boost::json::parse_options ReaderOptions() noexcept {
     boost::json::parse_options options;
+    // Deeper than any answer (about ten levels), low enough to bound the parser's own recursion.
     options.max_depth = MaxJsonDepth;
     options.allow_comments = false;
     options.allow_trailing_commas = false;
+    // Texts are UTF-8 throughout; an answer that is not cannot be trusted in any of its texts.
     options.allow_invalid_utf8 = false;
     return options;
 }
 
-// Escapes what JSON requires; everything else, UTF-8 included, goes out as it is.
-void AppendString(std::string& out, std::string_view text) {
-    static constexpr char hex[] = "0123456789abcdef";
-    out += '"';
-    std::size_t plain = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        if (c >= 0x20 && c != '"' && c != '\\') {
-            continue;
+// Which bytes a JSON string cannot hold as they are.
+struct Escapes {
+    bool needed[256];
+    constexpr Escapes() noexcept : needed{} {
+        for (int c = 0; c < 0x20; ++c) {
+            needed[c] = true;
         }
-        out.append(text.data() + plain, i - plain);
-        plain = i + 1;
+        needed[static_cast<unsigned char>('"')] = true;
+        needed[static_cast<unsigned char>('\\')] = true;
+    }
+};
+constexpr Escapes EscapeTable;
+
+// Whether any of the eight bytes in `word` needs escaping: below 0x20, '"' or '\\'. Exact, as
+// only the question "any?" is asked.
+bool AnyToEscape(std::uint64_t word) noexcept {
+    constexpr std::uint64_t ones = 0x0101010101010101U;
+    constexpr std::uint64_t highs = 0x8080808080808080U;
+    const auto anyZero = [](std::uint64_t v) { return (v - ones) & ~v & highs; };
+    return (((word - ones * 0x20) & ~word & highs) | anyZero(word ^ (ones * '"')) |
+            anyZero(word ^ (ones * '\\'))) != 0;
+}
+
+// The position of the first byte from `from` on that needs escaping; text.size() if none.
+// Texts are scanned eight bytes at a time, as most have nothing to escape.
+std::size_t NextToEscape(std::string_view text, std::size_t from) noexcept {
+    std::size_t i = from;
+    for (; i + 8 <= text.size(); i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, text.data() + i, sizeof word);
+        if (AnyToEscape(word)) {
+            break;
+        }
+    }
+    for (; i < text.size(); ++i) {
+        if (EscapeTable.needed[static_cast<unsigned char>(text[i])]) {
+            return i;
+        }
+    }
+    return text.size();
+}
+
+// The text being written, filled through a raw pointer: room is made once per piece, not per
+// character.
+class JsonText {
+public:
+    JsonText() noexcept : next_(text_.data()), end_(text_.data()) {}
+    JsonText(const JsonText&) = delete;
+    JsonText& operator=(const JsonText&) = delete;
+
+    void Room(std::size_t size) {
+        if (static_cast<std::size_t>(end_ - next_) < size) {
+            Grow(size);
+        }
+    }
+    // The Put functions expect Room for what they add.
+    void Put(char c) noexcept { *next_++ = c; }
+    void Put(std::string_view text) noexcept {
+        std::memcpy(next_, text.data(), text.size());
+        next_ += text.size();
+    }
+    void Integer(std::int32_t value) {
+        Room(11);
+        next_ = std::to_chars(next_, end_, value).ptr;
+    }
+    void Flag(bool value) {
+        Room(5);
+        Put(value ? std::string_view("true") : std::string_view("false"));
+    }
+    // Escapes what JSON requires; everything else, UTF-8 included, goes out as it is.
+    void String(std::string_view text) {
+        Room(text.size() + 2);
+        Put('"');
+        std::size_t plain = 0;
+        for (std::size_t i = NextToEscape(text, 0); i < text.size();
+             i = NextToEscape(text, i + 1)) {
+            const auto c = static_cast<unsigned char>(text[i]);
+            Put(text.substr(plain, i - plain));
+            plain = i + 1;
+            // Room for the escape and everything after it still unwritten.
+            Room(6 + (text.size() - plain) + 1);
+            Escape(c);
+        }
+        Put(text.substr(plain));
+        Put('"');
+    }
+    std::string Take() {
+        text_.resize(static_cast<std::size_t>(next_ - text_.data()));
+        return std::move(text_);
+    }
+
+private:
+    void Escape(unsigned char c) noexcept {
+        static constexpr char hex[] = "0123456789abcdef";
+        Put('\\');
         switch (c) {
         case '"':
-            out += "\\\"";
+            Put('"');
             break;
         case '\\':
-            out += "\\\\";
+            Put('\\');
             break;
         case '\b':
-            out += "\\b";
+            Put('b');
             break;
         case '\f':
-            out += "\\f";
+            Put('f');
             break;
         case '\n':
-            out += "\\n";
+            Put('n');
             break;
         case '\r':
-            out += "\\r";
+            Put('r');
             break;
         case '\t':
-            out += "\\t";
+            Put('t');
             break;
-        default: {
-            const char escape[] = {'\\', 'u', '0', '0', hex[c >> 4], hex[c & 0xF]};
-            out.append(escape, sizeof escape);
+        default:
+            Put("u00");
+            Put(hex[c >> 4]);
+            Put(hex[c & 0xF]);
+            break;
+        }
+    }
+
+    void Grow(std::size_t size) {
+        const auto used = static_cast<std::size_t>(next_ - text_.data());
+        text_.resize(std::max({text_.size() * 2, used + size, std::size_t{256}}));
+        next_ = text_.data() + used;
+        end_ = text_.data() + text_.size();
+    }
+
+    std::string text_;
+    char* next_ = nullptr;
+    char* end_ = nullptr;
+};
+
+// The size of the record's text when no character needs escaping: the writer makes that much
+// room at once instead of growing (and copying) the text as it goes.
+std::size_t Measure(const void* record, const Schema& schema) noexcept {
+    constexpr std::size_t quotes = 2;
+    constexpr std::size_t integer = 11;
+    std::size_t size = 2;
+    for (std::size_t i = 0; i < schema.count; ++i) {
+        const Field& field = schema.fields[i];
+        const void* member = field.member(const_cast<void*>(record));
+        size += field.keyText.size();
+        switch (field.kind) {
+        case Kind::Text:
+            size += static_cast<const Core::TevString*>(member)->size() + quotes;
+            break;
+        case Kind::Integer:
+            size += integer;
+            break;
+        case Kind::Flag:
+            size += 5;
+            break;
+        case Kind::Texts:
+            size += 2;
+            for (const Core::TevString& text : *static_cast<const TextList*>(member)) {
+                size += text.size() + quotes + 1;
+            }
+            break;
+        case Kind::Integers:
+            size += 2 + static_cast<const IntegerList*>(member)->size() * (integer + 1);
+            break;
+        case Kind::Record:
+            if (const void* nested = field.nested().get(member)) {
+                size += Measure(nested, field.nested());
+            }
+            break;
+        case Kind::Records: {
+            const Schema& elements = field.nested();
+            const std::size_t count = elements.listSize(member);
+            size += 2;
+            for (std::size_t e = 0; e < count; ++e) {
+                const void* element = elements.listAt(member, e);
+                size += 1 + (element != nullptr ? Measure(element, elements) : 2);
+            }
             break;
         }
         }
     }
-    out.append(text.data() + plain, text.size() - plain);
-    out += '"';
+    return size;
 }
 
-void AppendInteger(std::string& out, std::int32_t value) {
-    char digits[16];
-    const auto result = std::to_chars(digits, digits + sizeof digits, value);
-    out.append(digits, result.ptr);
-}
-
-void AppendRecord(std::string& out, const void* record, const Schema& schema) {
-    out += '{';
+void WriteObject(JsonText& out, const void* record, const Schema& schema) {
+    out.Room(1);
+    out.Put('{');
     bool first = true;
     for (std::size_t i = 0; i < schema.count; ++i) {
         const Field& field = schema.fields[i];
@@ -515,71 +658,78 @@ void AppendRecord(std::string& out, const void* record, const Schema& schema) {
                 continue; // an absent record is left out, never written as null
             }
         }
-        if (!first) {
-            out += ',';
-        }
+        out.Room(field.keyText.size());
+        out.Put(first ? field.keyText.substr(1) : field.keyText);
         first = false;
-        out += '"';
-        out.append(field.key.data(), field.key.size());
-        out += "\":";
         switch (field.kind) {
         case Kind::Text:
-            AppendString(out, *static_cast<const Core::TevString*>(member));
+            out.String(*static_cast<const Core::TevString*>(member));
             break;
         case Kind::Integer:
-            AppendInteger(out, *static_cast<const std::int32_t*>(member));
+            out.Integer(*static_cast<const std::int32_t*>(member));
             break;
         case Kind::Flag:
-            out += *static_cast<const bool*>(member) ? "true" : "false";
+            out.Flag(*static_cast<const bool*>(member));
             break;
         case Kind::Texts: {
-            out += '[';
             const auto& list = *static_cast<const TextList*>(member);
+            out.Room(1);
+            out.Put('[');
             for (std::size_t e = 0; e < list.size(); ++e) {
                 if (e > 0) {
-                    out += ',';
+                    out.Room(1);
+                    out.Put(',');
                 }
-                AppendString(out, list[e]);
+                out.String(list[e]);
             }
-            out += ']';
+            out.Room(1);
+            out.Put(']');
             break;
         }
         case Kind::Integers: {
-            out += '[';
             const auto& list = *static_cast<const IntegerList*>(member);
+            out.Room(1);
+            out.Put('[');
             for (std::size_t e = 0; e < list.size(); ++e) {
                 if (e > 0) {
-                    out += ',';
+                    out.Room(1);
+                    out.Put(',');
                 }
-                AppendInteger(out, list[e]);
+                out.Integer(list[e]);
             }
-            out += ']';
+            out.Room(1);
+            out.Put(']');
             break;
         }
         case Kind::Record:
-            AppendRecord(out, nested, field.nested());
+            WriteObject(out, nested, field.nested());
             break;
         case Kind::Records: {
             const Schema& elements = field.nested();
-            out += '[';
             const std::size_t size = elements.listSize(member);
+            out.Room(1);
+            out.Put('[');
             for (std::size_t e = 0; e < size; ++e) {
                 if (e > 0) {
-                    out += ',';
+                    out.Room(1);
+                    out.Put(',');
                 }
                 const void* element = elements.listAt(member, e);
                 if (element != nullptr) {
-                    AppendRecord(out, element, elements);
+                    WriteObject(out, element, elements);
                 } else {
-                    out += "{}"; // a hole in a list is written as a record with nothing set
+                    out.Room(2);
+                    out.Put("{}"); // a hole in a list is written as a record with nothing set
                 }
             }
-            out += ']';
+            out.Room(1);
+            out.Put(']');
             break;
         }
         }
     }
-    out += '}';
+    out.Room(1);
+    out.Put('}');
 }
 
 } // namespace
@@ -617,10 +767,10 @@ void ReadRecord(void* record, const Schema& schema, std::string_view json) noexc
 
 Core::TevString WriteRecord(const void* record, const Schema& schema) noexcept {
     try {
-        std::string out;
-        out.reserve(256);
-        AppendRecord(out, record, schema);
-        return Core::TevString(std::move(out));
+        JsonText out;
+        out.Room(Measure(record, schema));
+        WriteObject(out, record, schema);
+        return Core::TevString(out.Take());
     } catch (...) {
         return Core::TevString();
     }

@@ -1,9 +1,13 @@
 // One writer and one reader for every protocol record.
 //
-// A record states its fields once, with BOOST_DESCRIBE_CLASS: the member's name is its JSON key
-// and the member's type its kind. SchemaOf<T>() turns that description into a table (base
-// members first) that the writer and the reader in RecordIO.cpp walk; no record has JSON code of
-// its own.
+// A record states its fields once, with VANTO_JSON_FIELDS (Boost.Describe): the member's name is
+// its JSON key and the member's type its kind. SchemaOf<T>() turns that description into a table
+// (base members first) that the writer and the reader in RecordIO.cpp walk; no record has JSON code
+// of its own.
+//
+// No PropertyTree stands in between: the reader takes Boost.JSON's parser events straight into the
+// records and the writer writes the text straight from them, so no part of a record is written or
+// parsed twice.
 //
 // Writing (ToJson): one compact JSON object, keys in declared order, base keys first. Every text,
 // integer, flag and list key is always written ("" and [] when empty); a record member is
@@ -38,6 +42,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -53,6 +58,8 @@ struct Schema;
 
 struct Field {
     std::string_view key;
+    // The key as the writer puts it after a previous member: ,"Key":
+    std::string_view keyText;
     Kind kind;
     // Address of the member inside a record of the schema's type.
     void* (*member)(void* record) noexcept;
@@ -112,6 +119,23 @@ template <class R> struct KindOf<Core::DynamicArray<Core::UniquePtr<R>>> {
 template <class M, class = void> struct ElementOf { using type = void; };
 template <class M> struct ElementOf<M, std::void_t<typename KindOf<M>::Element>> {
     using type = typename KindOf<M>::Element;
+};
+
+// ,"Key": spelled out at compile time, so that writing a key is one copy.
+template <class D> struct KeyText {
+    static constexpr std::size_t length = std::char_traits<char>::length(D::name);
+    static constexpr std::array<char, length + 4> Make() noexcept {
+        std::array<char, length + 4> spelled{};
+        spelled[0] = ',';
+        spelled[1] = '"';
+        for (std::size_t i = 0; i < length; ++i) {
+            spelled[2 + i] = D::name[i];
+        }
+        spelled[length + 2] = '"';
+        spelled[length + 3] = ':';
+        return spelled;
+    }
+    static constexpr std::array<char, length + 4> text = Make();
 };
 
 template <class T, class D> Field MakeField() noexcept;
@@ -176,29 +200,45 @@ template <class T, class D> Field MakeField() noexcept {
         nested = &SchemaOf<Element>;
     }
     return Field{
-        D::name, KindOf<Member>::value,
+        D::name,
+        {KeyText<D>::text.data(), KeyText<D>::text.size()},
+        KindOf<Member>::value,
         [](void* record) noexcept -> void* { return &(static_cast<T*>(record)->*D::pointer); },
         nested};
 }
 
 } // namespace detail
 
-template <class T> void ReadJson(T& record, const Core::TevString& json) noexcept {
+// The reading routine that a record's constructor from a text runs. On a record already read it
+// replaces what the text has data for and keeps the rest.
+template <class T> void FromJson(T& record, const Core::TevString& json) noexcept {
     ReadRecord(&record, SchemaOf<T>(), json);
 }
 
+// What a record's ToJson() returns.
 template <class T> Core::TevString WriteJson(const T& record) noexcept {
     return WriteRecord(&record, SchemaOf<T>());
 }
 
 } // namespace vanto::protocol
 
-// The operations a record offers; the class states its members with BOOST_DESCRIBE_CLASS.
+// States a record's base and its members, in order, inside the class body. Boost.Describe's
+// macro passes empty variadic arguments, an extension in C++17 that clang -Wpedantic reports.
+#if defined(__clang__)
+#define VANTO_JSON_FIELDS(Class, Bases, Members)                                                   \
+    _Pragma("clang diagnostic push")                                                               \
+        _Pragma("clang diagnostic ignored \"-Wgnu-zero-variadic-macro-arguments\"")                \
+            BOOST_DESCRIBE_CLASS(Class, Bases, Members, (), ()) _Pragma("clang diagnostic pop")
+#else
+#define VANTO_JSON_FIELDS(Class, Bases, Members) BOOST_DESCRIBE_CLASS(Class, Bases, Members, (), ())
+#endif
+
+// The operations a record offers.
 // A record read from the connector: default construction, then construction from a JSON text.
 #define VANTO_JSON_READER(Class)                                                                   \
     Class() = default;                                                                             \
     explicit Class(const Core::TevString& json) {                                                  \
-        ::vanto::protocol::ReadJson(*this, json);                                                  \
+        ::vanto::protocol::FromJson(*this, json);                                                  \
     }
 // A record written to the connector (or logged).
 #define VANTO_JSON_WRITER(Class)                                                                   \

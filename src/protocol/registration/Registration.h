@@ -13,7 +13,7 @@ public:
     Core::TevString FullName;
     Core::TevString Product;
 
-    BOOST_DESCRIBE_CLASS(RegisterClientInfo, (), (FullName, Product), (), ())
+    VANTO_JSON_FIELDS(RegisterClientInfo, (), (FullName, Product))
 };
 
 class RegisterClientInput : public Core::AllocatableObject {
@@ -25,8 +25,7 @@ public:
     Core::TevString FilePath;
     Core::UniquePtr<RegisterClientInfo> ClientInfo; // "ClientInfo" is left out when empty
 
-    BOOST_DESCRIBE_CLASS(RegisterClientInput, (),
-                         (ProcessId, ProcessStartTime, FilePath, ClientInfo), (), ())
+    VANTO_JSON_FIELDS(RegisterClientInput, (), (ProcessId, ProcessStartTime, FilePath, ClientInfo))
 };
 
 // An answer without "SessionId" reads as an empty identifier.
@@ -36,7 +35,7 @@ public:
 
     Core::TevString SessionId;
 
-    BOOST_DESCRIBE_CLASS(RegisterClientOutput, (), (SessionId), (), ())
+    VANTO_JSON_FIELDS(RegisterClientOutput, (), (SessionId))
 };
 
 // Deregistration is keyed by "SessionId"; callers leave the process fields at 0 and "".
@@ -48,8 +47,7 @@ public:
     std::int32_t ProcessId = 0;
     Core::TevString ProcessStartTime;
 
-    BOOST_DESCRIBE_CLASS(DeRegisterClientInput, (), (SessionId, ProcessId, ProcessStartTime), (),
-                         ())
+    VANTO_JSON_FIELDS(DeRegisterClientInput, (), (SessionId, ProcessId, ProcessStartTime))
 };
 
 } // namespace Core::Registration

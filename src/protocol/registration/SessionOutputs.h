@@ -19,10 +19,9 @@ public:
     Core::TevString Version; // the connector's version text, not the envelope's number
     Core::DynamicArray<Core::TevString> Capabilities;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetSessionInfoOutput, (CommandOutputBase),
-                         (AuthenticatedUserName, CorvaneLogPath, CloudGatewayLogPath, UserEmail,
-                          IsLoggedIn, UserId, Version, Capabilities),
-                         (), ())
+    VANTO_JSON_FIELDS(CorvaneGetSessionInfoOutput, (CommandOutputBase),
+                      (AuthenticatedUserName, CorvaneLogPath, CloudGatewayLogPath, UserEmail,
+                       IsLoggedIn, UserId, Version, Capabilities))
 };
 
 } // namespace Corvane::CommandIO::Generic
@@ -35,7 +34,7 @@ public:
 
     Core::DynamicArray<Core::TevString> RootFolders;
 
-    BOOST_DESCRIBE_CLASS(CorvaneGetRootFoldersOutput, (CommandOutputBase), (RootFolders), (), ())
+    VANTO_JSON_FIELDS(CorvaneGetRootFoldersOutput, (CommandOutputBase), (RootFolders))
 };
 
 } // namespace Corvane::CommandIO::DataManagement

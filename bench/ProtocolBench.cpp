@@ -1,0 +1,230 @@
+// Reading a large "QUERYDESIGNREVISIONS" answer and writing a large "LOCKDESIGNREVISIONS" input,
+// each against Boost.JSON doing only its own part on the same data. Prints the ratios at the end.
+#include "PeakMemory.h"
+#include "protocol/commands/MCADCommands.h"
+
+#include <benchmark/benchmark.h>
+#include <boost/json.hpp>
+
+#include <cstdio>
+#include <map>
+#include <string>
+
+namespace {
+
+using Corvane::CommandIO::DataManagement::MCAD::CorvaneLockDesignRevisionsInput;
+using Corvane::CommandIO::DataManagement::MCAD::CorvaneQueryDesignRevisionsOutput;
+using Corvane::DataTypes::CorvaneDesignIdentifier;
+
+constexpr int Revisions = 10000;
+constexpr int RevisionsPerContext = 100;
+constexpr int Identifiers = 100000;
+
+void AppendProperty(std::string& out, int n, const char* name) {
+    out += R"({"Name":")";
+    out += name;
+    out += R"(","PropertyType":)" + std::to_string(n % 4) + R"(,"PropertyValues":["value-)" +
+           std::to_string(n) + R"("]})";
+}
+
+// 10,000 design revisions in 100 contexts; each with two properties, three datasets (each with
+// its properties) and a lock. About 10 MB.
+std::string MakeQueryAnswer() {
+    std::string out = R"({"Errors":[],"DesignRevisionInfo":[)";
+    for (int c = 0; c < Revisions / RevisionsPerContext; ++c) {
+        out += c > 0 ? ",{" : "{";
+        out += R"("DesignRevision":[)";
+        for (int r = 0; r < RevisionsPerContext; ++r) {
+            const std::string id = std::to_string(c * RevisionsPerContext + r);
+            out += r > 0 ? ",{" : "{";
+            out += R"("CreationDate":"2024-05-01T10:20:30Z","Id":"rev-)" + id +
+                   R"(","LastModifiedDate":"2024-06-01T11:22:33Z","Name":"Bracket )" + id +
+                   R"(.asm","OwnerId":"user-17","Properties":[)";
+            AppendProperty(out, r, "PartNumber");
+            out += ',';
+            AppendProperty(out, r + 1, "Description");
+            out += R"(],"Urn":"urn:corvane:rev:)" + id + R"(","Datasets":[)";
+            for (int d = 0; d < 3; ++d) {
+                out += d > 0 ? ",{" : "{";
+                out += R"("Id":"ds-)" + id + "-" + std::to_string(d) +
+                       R"(","Name":"Bracket.asm","Properties":[)";
+                AppendProperty(out, d, "Material");
+                out += R"(],"Urn":"urn:corvane:ds:)" + id + R"(","VersionId":"7","IsRelated":)" +
+                       (d == 0 ? "false" : "true") + R"(,"FileSize":)" +
+                       std::to_string(100000 + d) + R"(})";
+            }
+            out += R"(],"LockInfo":{"DesignIdentifier":"rev-)" + id +
+                   R"(","LockedBy":"Ann","LockedAt":"2024-06-02T08:00:00Z",)"
+                   R"("LockExpires":"2024-06-03T08:00:00Z","LockedByUrn":"urn:corvane:user:17",)"
+                   R"("ErrorCode":0}})";
+        }
+        out += R"(],"ContextInformation":{"CollaborationSpaceId":"cs-1","ContainerType":"project",)"
+               R"("ContainerId":"p-)" +
+               std::to_string(c) + R"(","ContainerURN":"urn:corvane:project:1"}})";
+    }
+    out += "]}";
+    return out;
+}
+
+const std::string& QueryAnswer() {
+    static const std::string text = MakeQueryAnswer();
+    return text;
+}
+
+std::string IdentifierValue(int n) {
+    return "/work/projects/bracket/part-" + std::to_string(n) + ".prt";
+}
+
+CorvaneLockDesignRevisionsInput& LockInput() {
+    static CorvaneLockDesignRevisionsInput input = [] {
+        CorvaneLockDesignRevisionsInput made;
+        made.SessionId = "session-0123456789";
+        made.TimeToLive = 3600;
+        made.DesignIdentifiers.reserve(Identifiers);
+        for (int n = 0; n < Identifiers; ++n) {
+            auto identifier = std::make_unique<CorvaneDesignIdentifier>();
+            identifier->Value = IdentifierValue(n);
+            identifier->IdentifierType = 1;
+            made.DesignIdentifiers.push_back(std::move(identifier));
+        }
+        return made;
+    }();
+    return input;
+}
+
+const boost::json::value& LockTree() {
+    static const boost::json::value tree = [] {
+        boost::json::array identifiers;
+        identifiers.reserve(Identifiers);
+        for (int n = 0; n < Identifiers; ++n) {
+            identifiers.push_back(
+                boost::json::object{{"Value", IdentifierValue(n)}, {"IdentifierType", 1}});
+        }
+        return boost::json::value(boost::json::object{{"Command", "LOCKDESIGNREVISIONS"},
+                                                      {"SessionId", "session-0123456789"},
+                                                      {"Version", 1},
+                                                      {"DesignIdentifiers", std::move(identifiers)},
+                                                      {"TimeToLive", 3600}});
+    }();
+    return tree;
+}
+
+void ReadParseOnly(benchmark::State& state) {
+    const std::string& text = QueryAnswer();
+    for (auto _ : state) {
+        boost::json::value tree = boost::json::parse(text);
+        benchmark::DoNotOptimize(tree);
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+}
+BENCHMARK(ReadParseOnly)->Unit(benchmark::kMillisecond);
+
+void ReadRecords(benchmark::State& state) {
+    const Core::TevString text(QueryAnswer());
+    std::size_t revisions = 0;
+    for (auto _ : state) {
+        CorvaneQueryDesignRevisionsOutput output(text);
+        revisions = output.DesignRevisionInfo.size() * RevisionsPerContext;
+        benchmark::DoNotOptimize(output);
+    }
+    if (revisions != static_cast<std::size_t>(Revisions)) {
+        state.SkipWithError("the answer was not read");
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+}
+BENCHMARK(ReadRecords)->Unit(benchmark::kMillisecond);
+
+void WriteSerializeOnly(benchmark::State& state) {
+    const boost::json::value& tree = LockTree();
+    for (auto _ : state) {
+        std::string text = boost::json::serialize(tree);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(WriteSerializeOnly)->Unit(benchmark::kMillisecond);
+
+void WriteRecords(benchmark::State& state) {
+    const CorvaneLockDesignRevisionsInput& input = LockInput();
+    std::size_t size = 0;
+    for (auto _ : state) {
+        Core::TevString text = input.ToJson();
+        size = text.size();
+        benchmark::DoNotOptimize(text);
+    }
+    if (size != boost::json::serialize(LockTree()).size()) {
+        state.SkipWithError("the input was not written as the tree is");
+    }
+}
+BENCHMARK(WriteRecords)->Unit(benchmark::kMillisecond);
+
+// Keeps the best processor time per iteration of each benchmark over its repetitions: on a
+// shared machine wall time and the slower repetitions say more about the neighbours.
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
+                const std::string name = run.run_name.function_name;
+                const double time = run.GetAdjustedCPUTime();
+                const auto known = times.find(name);
+                if (known == times.end() || time < known->second) {
+                    times[name] = time;
+                }
+            }
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+    std::map<std::string, double> times;
+};
+
+void PrintRatio(const RatioReporter& reporter, const char* what, const std::string& ours,
+                const std::string& theirs, double target) {
+    const auto a = reporter.times.find(ours);
+    const auto b = reporter.times.find(theirs);
+    if (a == reporter.times.end() || b == reporter.times.end() || b->second <= 0) {
+        std::printf("%s ratio: not measured\n", what);
+        return;
+    }
+    const double ratio = a->second / b->second;
+    std::printf("%s ratio: %.2f (%s %.2f ms / %s %.2f ms; target <= %.1f) %s\n", what, ratio,
+                ours.c_str(), a->second, theirs.c_str(), b->second, target,
+                ratio <= target ? "ok" : "OVER TARGET");
+}
+
+void PrintPeakMemory() {
+    if (!bench::PeakMemoryAvailable()) {
+        std::printf("read peak memory: not measured on this platform\n");
+        return;
+    }
+    const Core::TevString text(QueryAnswer());
+    const auto before = bench::HeapInUse();
+    bench::ResetHeapPeak();
+    {
+        CorvaneQueryDesignRevisionsOutput output(text);
+        benchmark::DoNotOptimize(output);
+    }
+    const auto peak = bench::HeapPeak() - before;
+    const double ratio = static_cast<double>(peak) / static_cast<double>(text.size());
+    std::printf("read peak memory: %.2f x text (%lld bytes over %zu bytes of text; target <= 4) "
+                "%s\n",
+                ratio, static_cast<long long>(peak), text.size(),
+                ratio <= 4.0 ? "ok" : "OVER TARGET");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    std::printf("answer text: %zu bytes; lock input: %d identifiers\n", QueryAnswer().size(),
+                Identifiers);
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    PrintRatio(reporter, "read", "ReadRecords", "ReadParseOnly", 1.0);
+    PrintRatio(reporter, "write", "WriteRecords", "WriteSerializeOnly", 1.5);
+    PrintPeakMemory();
+    return 0;
+}

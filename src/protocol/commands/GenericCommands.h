@@ -1,0 +1,27 @@
+// The generic data-object command.
+#pragma once
+
+#include "protocol/Envelope.h"
+#include "protocol/records/Pairs.h"
+
+namespace Corvane::CommandIO::Generic {
+
+class CorvaneSetDataObjectInput : public Core::CommandIO::VersionedCommandInputBase {
+public:
+    CorvaneSetDataObjectInput() : VersionedCommandInputBase("SETDATAOBJECT") {}
+    VANTO_JSON_WRITER(CorvaneSetDataObjectInput)
+
+    Core::UniquePtr<Corvane::DataTypes::CorvaneDataObjectKey> Key;
+    Core::TevString Data;
+
+    VANTO_JSON_FIELDS(CorvaneSetDataObjectInput, (VersionedCommandInputBase), (Key, Data))
+};
+
+class CorvaneSetDataObjectOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneSetDataObjectOutput)
+
+    VANTO_JSON_FIELDS(CorvaneSetDataObjectOutput, (CommandOutputBase), ())
+};
+
+} // namespace Corvane::CommandIO::Generic

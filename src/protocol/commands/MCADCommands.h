@@ -1,0 +1,216 @@
+// Commands on design revisions and assembly structure.
+#pragma once
+
+#include "protocol/Envelope.h"
+#include "protocol/records/DesignRevision.h"
+#include "protocol/records/Numbering.h"
+#include "protocol/records/Relations.h"
+#include "protocol/records/Search.h"
+
+namespace Corvane::CommandIO::DataManagement::MCAD {
+
+using Core::CommandIO::VersionedCommandInputBase;
+
+class CorvaneLockDesignRevisionsInput : public VersionedCommandInputBase {
+public:
+    CorvaneLockDesignRevisionsInput() : VersionedCommandInputBase("LOCKDESIGNREVISIONS") {}
+    VANTO_JSON_WRITER(CorvaneLockDesignRevisionsInput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>> DesignIdentifiers;
+    std::int32_t TimeToLive = 0;
+
+    VANTO_JSON_FIELDS(CorvaneLockDesignRevisionsInput, (VersionedCommandInputBase),
+                      (DesignIdentifiers, TimeToLive))
+};
+
+class CorvaneLockDesignRevisionsOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneLockDesignRevisionsOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneLockInfo>> Status;
+
+    VANTO_JSON_FIELDS(CorvaneLockDesignRevisionsOutput, (CommandOutputBase), (Status))
+};
+
+class CorvaneUnLockDesignRevisionsInput : public VersionedCommandInputBase {
+public:
+    CorvaneUnLockDesignRevisionsInput() : VersionedCommandInputBase("UNLOCKDESIGNREVISIONS") {}
+    VANTO_JSON_WRITER(CorvaneUnLockDesignRevisionsInput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>> DesignIdentifiers;
+
+    VANTO_JSON_FIELDS(CorvaneUnLockDesignRevisionsInput, (VersionedCommandInputBase),
+                      (DesignIdentifiers))
+};
+
+class CorvaneUnLockDesignRevisionsOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneUnLockDesignRevisionsOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneLockInfo>> Status;
+
+    VANTO_JSON_FIELDS(CorvaneUnLockDesignRevisionsOutput, (CommandOutputBase), (Status))
+};
+
+class CorvaneQueryDesignRevisionsInput : public VersionedCommandInputBase {
+public:
+    CorvaneQueryDesignRevisionsInput() : VersionedCommandInputBase("QUERYDESIGNREVISIONS") {}
+    VANTO_JSON_WRITER(CorvaneQueryDesignRevisionsInput)
+
+    Core::UniquePtr<DataTypes::Search::CorvaneSearchCriteria> AttachmentCriteria;
+    Core::UniquePtr<DataTypes::Search::CorvaneSearchCriteria> RevisionCriteria;
+    Core::UniquePtr<DataTypes::Search::CorvaneSearchOptions> Options;
+    std::int32_t Operator = 0; // how the two criteria combine
+    Core::UniquePtr<DataTypes::CorvaneContextInformation> Context;
+
+    VANTO_JSON_FIELDS(CorvaneQueryDesignRevisionsInput, (VersionedCommandInputBase),
+                      (AttachmentCriteria, RevisionCriteria, Options, Operator, Context))
+};
+
+class CorvaneQueryDesignRevisionsOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneQueryDesignRevisionsOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneContextToDesignRevisions>>
+        DesignRevisionInfo;
+
+    VANTO_JSON_FIELDS(CorvaneQueryDesignRevisionsOutput, (CommandOutputBase), (DesignRevisionInfo))
+};
+
+class CorvaneQueryPrimaryObjectsInput : public VersionedCommandInputBase {
+public:
+    CorvaneQueryPrimaryObjectsInput() : VersionedCommandInputBase("QUERYPRIMARYOBJECTS") {}
+    VANTO_JSON_WRITER(CorvaneQueryPrimaryObjectsInput)
+
+    Core::TevString Identifier;
+    std::int32_t IdentifierType = 0;
+    Core::DynamicArray<Core::TevString> RelationTypes;
+
+    VANTO_JSON_FIELDS(CorvaneQueryPrimaryObjectsInput, (VersionedCommandInputBase),
+                      (Identifier, IdentifierType, RelationTypes))
+};
+
+// Logged by its caller, so it writes too.
+class CorvaneQueryPrimaryObjectsOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneQueryPrimaryObjectsOutput)
+    VANTO_JSON_WRITER(CorvaneQueryPrimaryObjectsOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneQueryRelationInfo>> QueryRelationInfos;
+
+    VANTO_JSON_FIELDS(CorvaneQueryPrimaryObjectsOutput, (CommandOutputBase), (QueryRelationInfos))
+};
+
+class CorvaneGetNextIdInput : public VersionedCommandInputBase {
+public:
+    CorvaneGetNextIdInput() : VersionedCommandInputBase("GETNEXTID") {}
+    VANTO_JSON_WRITER(CorvaneGetNextIdInput)
+
+    Core::TevString FileExtension;
+    std::int32_t NumberOfIds = 0;
+    bool GetInitialRevId = false;
+    Core::DynamicArray<Core::TevString> Properties;
+    Core::TevString DirectoryPath;
+
+    VANTO_JSON_FIELDS(CorvaneGetNextIdInput, (VersionedCommandInputBase),
+                      (FileExtension, NumberOfIds, GetInitialRevId, Properties, DirectoryPath))
+};
+
+class CorvaneGetNextIdOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneGetNextIdOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneGetNextIdInfo>> NextIdInfo;
+
+    VANTO_JSON_FIELDS(CorvaneGetNextIdOutput, (CommandOutputBase), (NextIdInfo))
+};
+
+class CorvaneGetNextRevisionIdInput : public VersionedCommandInputBase {
+public:
+    CorvaneGetNextRevisionIdInput() : VersionedCommandInputBase("GETNEXTREVISIONID") {}
+    VANTO_JSON_WRITER(CorvaneGetNextRevisionIdInput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>>
+        DesignRevisionIdentifiers;
+    Core::DynamicArray<Core::TevString> Properties;
+
+    VANTO_JSON_FIELDS(CorvaneGetNextRevisionIdInput, (VersionedCommandInputBase),
+                      (DesignRevisionIdentifiers, Properties))
+};
+
+class CorvaneGetNextRevisionIdOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneGetNextRevisionIdOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneGetNextRevisionIdInfo>> NextRevisionIdInfo;
+
+    VANTO_JSON_FIELDS(CorvaneGetNextRevisionIdOutput, (CommandOutputBase), (NextRevisionIdInfo))
+};
+
+// The input's list key is plural, the output's ("ParentChildRelationInfo") singular.
+class CorvaneAddChildrenInput : public VersionedCommandInputBase {
+public:
+    CorvaneAddChildrenInput() : VersionedCommandInputBase("ADDCHILDREN") {}
+    VANTO_JSON_WRITER(CorvaneAddChildrenInput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneAddChildInputInfo>>
+        ParentChildRelationInfos;
+
+    VANTO_JSON_FIELDS(CorvaneAddChildrenInput, (VersionedCommandInputBase),
+                      (ParentChildRelationInfos))
+};
+
+class CorvaneAddChildrenOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneAddChildrenOutput)
+    VANTO_JSON_WRITER(CorvaneAddChildrenOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneParentToRelationsInfo>>
+        ParentChildRelationInfo;
+
+    VANTO_JSON_FIELDS(CorvaneAddChildrenOutput, (CommandOutputBase), (ParentChildRelationInfo))
+};
+
+class CorvaneGetChildrenInput : public VersionedCommandInputBase {
+public:
+    CorvaneGetChildrenInput() : VersionedCommandInputBase("GETCHILDREN") {}
+    VANTO_JSON_WRITER(CorvaneGetChildrenInput)
+
+    Core::TevString Identifier;
+    std::int32_t IdentifierType = 0;
+
+    VANTO_JSON_FIELDS(CorvaneGetChildrenInput, (VersionedCommandInputBase),
+                      (Identifier, IdentifierType))
+};
+
+class CorvaneGetChildrenOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneGetChildrenOutput)
+    VANTO_JSON_WRITER(CorvaneGetChildrenOutput)
+
+    Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneParentToRelationsInfo>>
+        ParentChildRelationInfo;
+
+    VANTO_JSON_FIELDS(CorvaneGetChildrenOutput, (CommandOutputBase), (ParentChildRelationInfo))
+};
+
+class CorvaneRemoveChildrenInput : public VersionedCommandInputBase {
+public:
+    CorvaneRemoveChildrenInput() : VersionedCommandInputBase("REMOVECHILDREN") {}
+    VANTO_JSON_WRITER(CorvaneRemoveChildrenInput)
+
+    Core::DynamicArray<Core::TevString> RelationURNs;
+
+    VANTO_JSON_FIELDS(CorvaneRemoveChildrenInput, (VersionedCommandInputBase), (RelationURNs))
+};
+
+// Only "Errors"; other keys of the answer are ignored.
+class CorvaneRemoveChildrenOutput : public CommandOutputBase {
+public:
+    VANTO_JSON_READER(CorvaneRemoveChildrenOutput)
+    VANTO_JSON_WRITER(CorvaneRemoveChildrenOutput)
+
+    VANTO_JSON_FIELDS(CorvaneRemoveChildrenOutput, (CommandOutputBase), ())
+};
+
+} // namespace Corvane::CommandIO::DataManagement::MCAD
