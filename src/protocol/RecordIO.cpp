@@ -644,6 +644,22 @@ std::size_t Measure(const void* record, const Schema& schema) noexcept {
     return size;
 }
 
+// [element,element,...], each element written by writeElement(index).
+template <class WriteElement>
+void WriteArray(JsonText& out, std::size_t size, const WriteElement& writeElement) {
+    out.Room(1);
+    out.Put('[');
+    for (std::size_t e = 0; e < size; ++e) {
+        if (e > 0) {
+            out.Room(1);
+            out.Put(',');
+        }
+        writeElement(e);
+    }
+    out.Room(1);
+    out.Put(']');
+}
+
 void WriteObject(JsonText& out, const void* record, const Schema& schema) {
     out.Room(1);
     out.Put('{');
@@ -673,32 +689,12 @@ void WriteObject(JsonText& out, const void* record, const Schema& schema) {
             break;
         case Kind::Texts: {
             const auto& list = *static_cast<const TextList*>(member);
-            out.Room(1);
-            out.Put('[');
-            for (std::size_t e = 0; e < list.size(); ++e) {
-                if (e > 0) {
-                    out.Room(1);
-                    out.Put(',');
-                }
-                out.String(list[e]);
-            }
-            out.Room(1);
-            out.Put(']');
+            WriteArray(out, list.size(), [&](std::size_t e) { out.String(list[e]); });
             break;
         }
         case Kind::Integers: {
             const auto& list = *static_cast<const IntegerList*>(member);
-            out.Room(1);
-            out.Put('[');
-            for (std::size_t e = 0; e < list.size(); ++e) {
-                if (e > 0) {
-                    out.Room(1);
-                    out.Put(',');
-                }
-                out.Integer(list[e]);
-            }
-            out.Room(1);
-            out.Put(']');
+            WriteArray(out, list.size(), [&](std::size_t e) { out.Integer(list[e]); });
             break;
         }
         case Kind::Record:
@@ -706,14 +702,7 @@ void WriteObject(JsonText& out, const void* record, const Schema& schema) {
             break;
         case Kind::Records: {
             const Schema& elements = field.nested();
-            const std::size_t size = elements.listSize(member);
-            out.Room(1);
-            out.Put('[');
-            for (std::size_t e = 0; e < size; ++e) {
-                if (e > 0) {
-                    out.Room(1);
-                    out.Put(',');
-                }
+            WriteArray(out, elements.listSize(member), [&](std::size_t e) {
                 const void* element = elements.listAt(member, e);
                 if (element != nullptr) {
                     WriteObject(out, element, elements);
@@ -721,9 +710,7 @@ void WriteObject(JsonText& out, const void* record, const Schema& schema) {
                     out.Room(2);
                     out.Put("{}"); // a hole in a list is written as a record with nothing set
                 }
-            }
-            out.Room(1);
-            out.Put(']');
+            });
             break;
         }
         }
