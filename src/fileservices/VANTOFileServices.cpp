@@ -1,4 +1,5 @@
-// File-service methods not built yet: each opens its scope record and gives its neutral result.
+// File-service methods not built yet: each opens its scope record (all but IsFileSynchronized and
+// LogErrors) and gives its neutral result.
 #include "entry/VANTOManager.h"
 #include "log/VANTOLog.h"
 
@@ -74,7 +75,7 @@ VANTOManager::VANTOFileServices::GetDocumentConsistencyStamp(DocumentStampMap* /
 
 bool STDMETHODCALLTYPE
 VANTOManager::VANTOFileServices::IsFileSynchronized(const GUserText& /*path*/) {
-    const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOFileServices::IsFileSynchronized");
+    // Writes no scope record of its own.
     return true;
 }
 
@@ -171,6 +172,6 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::GetCorvaneWUResults(
 
 HRESULT STDMETHODCALLTYPE
 VANTOManager::VANTOFileServices::LogErrors(std::uint32_t* /*returnCode*/) {
-    const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOFileServices::LogErrors");
+    // Writes no scope record of its own: it reports inside its caller's.
     return S_OK;
 }
