@@ -270,6 +270,15 @@ TEST_F(SessionService, ExceptionsAreHandledByKind) {
     EXPECT_FALSE(session->IsConnected(false));
     EXPECT_EQ((Line{0, std::wstring(ExecutePrefix) + L"refused"}), Lines().back());
     EXPECT_EQ(3u, connector.executeRequests.size());
+
+    // A communication failure before any id was granted registers nothing.
+    log.Clear();
+    vanto::Session() = vanto::SessionState();
+    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Communication,
+                   "pipe closed", "", 1);
+    EXPECT_FALSE(session->IsConnected(false));
+    EXPECT_FALSE(vanto::Session().registered);
+    EXPECT_EQ((Line{0, NotValid}), Lines().back());
 }
 
 TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
@@ -316,6 +325,29 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
     EXPECT_EQ((Line{0, L"Corvane failed to start with exception: no binary"}), Lines().back());
     EXPECT_EQ(polls, connector.readyPolls);
     EXPECT_EQ(2u, connector.registerRequests.size());
+}
+
+TEST_F(SessionService, StartCountsTheRegisterCallAndStopsWhenItFails) {
+    // The register call returning is enough to count as registered, with or without an id.
+    connector.registerAnswer = "{}";
+    bool timedOut = true;
+    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_TRUE(vanto::Session().registered);
+    const std::vector<Line> lines = Lines();
+    EXPECT_EQ((std::vector<Line>{{2, L"Corvane Auto Start Session Id is :  "}, {0, NotValid}}),
+              std::vector<Line>(lines.end() - 2, lines.end()));
+    EXPECT_TRUE(connector.executeRequests.empty());
+
+    // Any failure of the registration step, a communication failure too, ends the start with the
+    // Execute prefix and no status check; the deregistration before it has already happened.
+    log.Clear();
+    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Communication,
+                   "pipe closed", "", 1);
+    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_FALSE(vanto::Session().registered);
+    EXPECT_EQ(1u, connector.deregisterRequests.size());
+    EXPECT_EQ((Line{0, std::wstring(ExecutePrefix) + L"pipe closed"}), Lines().back());
+    EXPECT_TRUE(connector.executeRequests.empty());
 }
 
 TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeout) {
