@@ -404,11 +404,16 @@ TEST_F(SessionService, CallbackExtendsTheWait) {
     EXPECT_EQ(0, callbackCalls);
 }
 
-TEST_F(SessionService, DeregisteringTwiceSendsOnce) {
+TEST_F(SessionService, DeregisteringFailsThenSendsOnceThenHasNothingToDo) {
     Register();
+    connector.Fail(FakeConnector::Operation::DeRegisterClient, FakeConnector::Failure::Standard,
+                   "gone", "", 1);
     session->DeRegisterFromCorvane();
-    ASSERT_EQ(1u, connector.deregisterRequests.size());
-    const boost::json::object request = Json(connector.deregisterRequests[0]);
+    EXPECT_TRUE(vanto::Session().registered);
+
+    session->DeRegisterFromCorvane();
+    ASSERT_EQ(2u, connector.deregisterRequests.size());
+    const boost::json::object request = Json(connector.deregisterRequests[1]);
     EXPECT_EQ("s-1", request.at("SessionId").as_string());
     EXPECT_EQ(0, request.at("ProcessId").as_int64());
     EXPECT_EQ("", request.at("ProcessStartTime").as_string());
@@ -417,24 +422,15 @@ TEST_F(SessionService, DeregisteringTwiceSendsOnce) {
     EXPECT_EQ("s-1", vanto::Session().sessionId);
 
     session->DeRegisterFromCorvane();
-    EXPECT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_EQ((std::vector<Line>{{2, Deregistering},
-                                 {2, L"Deregistered from Corvane"},
-                                 {2, Deregistering},
-                                 {2, NothingToDo}}),
-              Lines());
-}
-
-TEST_F(SessionService, FailedDeregistrationStaysRegistered) {
-    Register();
-    connector.Fail(FakeConnector::Operation::DeRegisterClient, FakeConnector::Failure::Standard,
-                   "gone");
-    session->DeRegisterFromCorvane();
-    EXPECT_TRUE(vanto::Session().registered);
-    EXPECT_EQ((std::vector<Line>{
-                  {2, Deregistering},
-                  {0, L"Failure to deregister from Corvane - exception from call : gone"}}),
-              Lines());
+    EXPECT_EQ(2u, connector.deregisterRequests.size());
+    EXPECT_EQ(
+        (std::vector<Line>{{2, Deregistering},
+                           {0, L"Failure to deregister from Corvane - exception from call : gone"},
+                           {2, Deregistering},
+                           {2, L"Deregistered from Corvane"},
+                           {2, Deregistering},
+                           {2, NothingToDo}}),
+        Lines());
 }
 
 TEST_F(SessionService, DestroyingTheManagerDeregistersOnlyWhenRegistered) {
