@@ -30,6 +30,11 @@ constexpr const char* SessionInfoAnswer =
     R"({"Errors":[],"AuthenticatedUserName":"ann","CorvaneLogPath":"/logs/corvane.log",)"
     R"("CloudGatewayLogPath":"/logs/gateway.log","UserEmail":"ann@example.com","IsLoggedIn":true})";
 
+// The method-scope tag of a session method.
+std::wstring Tag(const wchar_t* method) {
+    return std::wstring(L"VANTOManager::VANTOSession::") + method;
+}
+
 std::wstring Wide(const std::string& text) {
     return GUserText(std::string_view(text)).wstr();
 }
@@ -124,6 +129,9 @@ TEST_F(SessionService, FirstConnectRegistersThenLaterCallsAnswerFromTheFlag) {
         expected.push_back(line);
     }
     EXPECT_EQ(expected, Lines());
+    EXPECT_EQ((std::vector<std::wstring>{Tag(L"IsConnected"), Tag(L"GetRootFolders"),
+                                         Tag(L"GetSessionInfo")}),
+              log.ScopesOpened());
     EXPECT_EQ(L"/home/ann/Corvane", StoredRootFolder());
     EXPECT_TRUE(vanto::Session().registered);
     EXPECT_FALSE(vanto::Session().firstConnect);
@@ -133,8 +141,7 @@ TEST_F(SessionService, FirstConnectRegistersThenLaterCallsAnswerFromTheFlag) {
     EXPECT_TRUE(session->IsConnected(false));
     EXPECT_EQ(3u, connector.executeRequests.size());
     EXPECT_TRUE(Lines().empty());
-    EXPECT_EQ(std::vector<std::wstring>{L"VANTOManager::VANTOSession::IsConnected"},
-              log.ScopesOpened());
+    EXPECT_EQ(std::vector<std::wstring>{Tag(L"IsConnected")}, log.ScopesOpened());
 
     // Forced: the whole path again, but a registered session is not registered twice.
     EXPECT_TRUE(session->IsConnected(true));
@@ -228,7 +235,16 @@ TEST_F(SessionService, StatusErrorsGoOfflineOnlyForCodeSix) {
     EXPECT_TRUE(session->IsCorvaneInOffLineMode());
     connector.Answer("GETCONNECTIONSTATUS", R"({"Errors":[]})");
     EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(1000, &timedOut, nullptr));
+
+    // The flag and the installation are answered without a line of their own.
+    log.Clear();
+    connector.installed = false;
     EXPECT_TRUE(session->IsCorvaneInOffLineMode());
+    EXPECT_FALSE(session->IsCorvaneInstalled());
+    EXPECT_TRUE(Lines().empty());
+    EXPECT_EQ(
+        (std::vector<std::wstring>{Tag(L"IsCorvaneInOffLineMode"), Tag(L"IsCorvaneInstalled")}),
+        log.ScopesOpened());
 }
 
 TEST_F(SessionService, ExceptionsAreHandledByKind) {
@@ -303,6 +319,10 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
         expected.push_back(line);
     }
     EXPECT_EQ(expected, Lines());
+    EXPECT_EQ((std::vector<std::wstring>{Tag(L"StartCorvaneAndWaitForReadyState"),
+                                         Tag(L"IsCorvaneRunning"), Tag(L"DeRegisterFromCorvane"),
+                                         Tag(L"GetSessionInfo")}),
+              log.ScopesOpened());
     EXPECT_EQ((std::vector<std::string>{"GETSESSIONINFO", "GETCONNECTIONSTATUS"}),
               connector.CommandsSent());
     EXPECT_EQ(L"<none>", StoredRootFolder());
@@ -442,8 +462,7 @@ TEST_F(SessionService, DestroyingTheManagerDeregistersOnlyWhenRegistered) {
     Register();
     manager.Reset();
     EXPECT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_EQ(std::vector<std::wstring>{L"VANTOManager::VANTOSession::DeRegisterFromCorvane"},
-              log.ScopesOpened());
+    EXPECT_EQ(std::vector<std::wstring>{Tag(L"DeRegisterFromCorvane")}, log.ScopesOpened());
     EXPECT_FALSE(vanto::Session().registered);
 }
 
@@ -465,23 +484,31 @@ TEST_F(SessionService, SessionInfoAndUser) {
 
     LoggedInUserInfo user;
     user.loginName = L"host";
+    user.email = L"kept";
     log.Clear();
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
     EXPECT_TRUE(Lines().empty());
-    EXPECT_TRUE(user.email.IsEmpty());
+    EXPECT_EQ(L"kept", user.email.wstr());
 
     // A valid session that never registered: asking for the user marks it registered.
     vanto::Session().sessionId = "s-9";
+    log.Clear();
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
     EXPECT_TRUE(vanto::Session().registered);
     EXPECT_EQ(L"ann@example.com", user.email.wstr());
     EXPECT_EQ(L"host", user.loginName.wstr());
+    EXPECT_EQ(
+        (std::vector<std::wstring>{Tag(L"GetCurrentLoggedInUserInfo"), Tag(L"GetSessionInfo")}),
+        log.ScopesOpened());
 
     connector.Answer("GETSESSIONINFO", R"({"Errors":[{"ErrorCode":1}],"UserEmail":"x@y"})");
     log.Clear();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(L"kept", info.userEmail.wstr());
     EXPECT_EQ((std::vector<Line>{{0, L"Failed to get session information."}}), Lines());
+    // The user's e-mail comes from a fresh record, so a failed answer empties it.
+    EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
+    EXPECT_TRUE(user.email.IsEmpty());
 
     connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Communication,
                    "timeout", "GETSESSIONINFO", 1);
