@@ -215,6 +215,13 @@ TEST_F(SessionService, RootFoldersAreLoggedEachAndStoredOnce) {
                                  {2, L"Corvane RootFolder is : /y "},
                                  {2, L"Corvane RootFolder is : /z "}}),
               Lines());
+
+    // A failed call is logged and still answers S_OK.
+    connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Standard, "lost",
+                   "GETCORVANEROOTFOLDERS", 1);
+    log.Clear();
+    EXPECT_EQ(S_OK, session->GetRootFolders(&folders));
+    EXPECT_EQ((std::vector<Line>{{0, std::wstring(ExecutePrefix) + L"lost"}}), Lines());
 }
 
 TEST_F(SessionService, StatusErrorsGoOfflineOnlyForCodeSix) {
