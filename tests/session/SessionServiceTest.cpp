@@ -30,6 +30,11 @@ constexpr const char* SessionInfoAnswer =
     R"({"Errors":[],"AuthenticatedUserName":"ann","CorvaneLogPath":"/logs/corvane.log",)"
     R"("CloudGatewayLogPath":"/logs/gateway.log","UserEmail":"ann@example.com","IsLoggedIn":true})";
 
+// The method-scope tag of a session method.
+std::wstring Tag(const wchar_t* method) {
+    return std::wstring(L"VANTOManager::VANTOSession::") + method;
+}
+
 std::wstring Wide(const std::string& text) {
     return GUserText(std::string_view(text)).wstr();
 }
@@ -124,6 +129,9 @@ TEST_F(SessionService, FirstConnectRegistersThenLaterCallsAnswerFromTheFlag) {
         expected.push_back(line);
     }
     EXPECT_EQ(expected, Lines());
+    EXPECT_EQ((std::vector<std::wstring>{Tag(L"IsConnected"), Tag(L"GetRootFolders"),
+                                         Tag(L"GetSessionInfo")}),
+              log.ScopesOpened());
     EXPECT_EQ(L"/home/ann/Corvane", StoredRootFolder());
     EXPECT_TRUE(vanto::Session().registered);
     EXPECT_FALSE(vanto::Session().firstConnect);
@@ -133,8 +141,7 @@ TEST_F(SessionService, FirstConnectRegistersThenLaterCallsAnswerFromTheFlag) {
     EXPECT_TRUE(session->IsConnected(false));
     EXPECT_EQ(3u, connector.executeRequests.size());
     EXPECT_TRUE(Lines().empty());
-    EXPECT_EQ(std::vector<std::wstring>{L"VANTOManager::VANTOSession::IsConnected"},
-              log.ScopesOpened());
+    EXPECT_EQ(std::vector<std::wstring>{Tag(L"IsConnected")}, log.ScopesOpened());
 
     // Forced: the whole path again, but a registered session is not registered twice.
     EXPECT_TRUE(session->IsConnected(true));
@@ -208,6 +215,13 @@ TEST_F(SessionService, RootFoldersAreLoggedEachAndStoredOnce) {
                                  {2, L"Corvane RootFolder is : /y "},
                                  {2, L"Corvane RootFolder is : /z "}}),
               Lines());
+
+    // A failed call is logged and still answers S_OK.
+    connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Standard, "lost",
+                   "GETCORVANEROOTFOLDERS", 1);
+    log.Clear();
+    EXPECT_EQ(S_OK, session->GetRootFolders(&folders));
+    EXPECT_EQ((std::vector<Line>{{0, std::wstring(ExecutePrefix) + L"lost"}}), Lines());
 }
 
 TEST_F(SessionService, StatusErrorsGoOfflineOnlyForCodeSix) {
@@ -228,7 +242,16 @@ TEST_F(SessionService, StatusErrorsGoOfflineOnlyForCodeSix) {
     EXPECT_TRUE(session->IsCorvaneInOffLineMode());
     connector.Answer("GETCONNECTIONSTATUS", R"({"Errors":[]})");
     EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(1000, &timedOut, nullptr));
+
+    // The flag and the installation are answered without a line of their own.
+    log.Clear();
+    connector.installed = false;
     EXPECT_TRUE(session->IsCorvaneInOffLineMode());
+    EXPECT_FALSE(session->IsCorvaneInstalled());
+    EXPECT_TRUE(Lines().empty());
+    EXPECT_EQ(
+        (std::vector<std::wstring>{Tag(L"IsCorvaneInOffLineMode"), Tag(L"IsCorvaneInstalled")}),
+        log.ScopesOpened());
 }
 
 TEST_F(SessionService, ExceptionsAreHandledByKind) {
@@ -270,6 +293,15 @@ TEST_F(SessionService, ExceptionsAreHandledByKind) {
     EXPECT_FALSE(session->IsConnected(false));
     EXPECT_EQ((Line{0, std::wstring(ExecutePrefix) + L"refused"}), Lines().back());
     EXPECT_EQ(3u, connector.executeRequests.size());
+
+    // A communication failure before any id was granted registers nothing.
+    log.Clear();
+    vanto::Session() = vanto::SessionState();
+    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Communication,
+                   "pipe closed", "", 1);
+    EXPECT_FALSE(session->IsConnected(false));
+    EXPECT_FALSE(vanto::Session().registered);
+    EXPECT_EQ((Line{0, NotValid}), Lines().back());
 }
 
 TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
@@ -294,6 +326,10 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
         expected.push_back(line);
     }
     EXPECT_EQ(expected, Lines());
+    EXPECT_EQ((std::vector<std::wstring>{Tag(L"StartCorvaneAndWaitForReadyState"),
+                                         Tag(L"IsCorvaneRunning"), Tag(L"DeRegisterFromCorvane"),
+                                         Tag(L"GetSessionInfo")}),
+              log.ScopesOpened());
     EXPECT_EQ((std::vector<std::string>{"GETSESSIONINFO", "GETCONNECTIONSTATUS"}),
               connector.CommandsSent());
     EXPECT_EQ(L"<none>", StoredRootFolder());
@@ -316,6 +352,29 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
     EXPECT_EQ((Line{0, L"Corvane failed to start with exception: no binary"}), Lines().back());
     EXPECT_EQ(polls, connector.readyPolls);
     EXPECT_EQ(2u, connector.registerRequests.size());
+}
+
+TEST_F(SessionService, StartCountsTheRegisterCallAndStopsWhenItFails) {
+    // The register call returning is enough to count as registered, with or without an id.
+    connector.registerAnswer = "{}";
+    bool timedOut = true;
+    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_TRUE(vanto::Session().registered);
+    const std::vector<Line> lines = Lines();
+    EXPECT_EQ((std::vector<Line>{{2, L"Corvane Auto Start Session Id is :  "}, {0, NotValid}}),
+              std::vector<Line>(lines.end() - 2, lines.end()));
+    EXPECT_TRUE(connector.executeRequests.empty());
+
+    // Any failure of the registration step, a communication failure too, ends the start with the
+    // Execute prefix and no status check; the deregistration before it has already happened.
+    log.Clear();
+    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Communication,
+                   "pipe closed", "", 1);
+    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_FALSE(vanto::Session().registered);
+    EXPECT_EQ(1u, connector.deregisterRequests.size());
+    EXPECT_EQ((Line{0, std::wstring(ExecutePrefix) + L"pipe closed"}), Lines().back());
+    EXPECT_TRUE(connector.executeRequests.empty());
 }
 
 TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeout) {
@@ -372,11 +431,16 @@ TEST_F(SessionService, CallbackExtendsTheWait) {
     EXPECT_EQ(0, callbackCalls);
 }
 
-TEST_F(SessionService, DeregisteringTwiceSendsOnce) {
+TEST_F(SessionService, DeregisteringFailsThenSendsOnceThenHasNothingToDo) {
     Register();
+    connector.Fail(FakeConnector::Operation::DeRegisterClient, FakeConnector::Failure::Standard,
+                   "gone", "", 1);
     session->DeRegisterFromCorvane();
-    ASSERT_EQ(1u, connector.deregisterRequests.size());
-    const boost::json::object request = Json(connector.deregisterRequests[0]);
+    EXPECT_TRUE(vanto::Session().registered);
+
+    session->DeRegisterFromCorvane();
+    ASSERT_EQ(2u, connector.deregisterRequests.size());
+    const boost::json::object request = Json(connector.deregisterRequests[1]);
     EXPECT_EQ("s-1", request.at("SessionId").as_string());
     EXPECT_EQ(0, request.at("ProcessId").as_int64());
     EXPECT_EQ("", request.at("ProcessStartTime").as_string());
@@ -385,24 +449,15 @@ TEST_F(SessionService, DeregisteringTwiceSendsOnce) {
     EXPECT_EQ("s-1", vanto::Session().sessionId);
 
     session->DeRegisterFromCorvane();
-    EXPECT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_EQ((std::vector<Line>{{2, Deregistering},
-                                 {2, L"Deregistered from Corvane"},
-                                 {2, Deregistering},
-                                 {2, NothingToDo}}),
-              Lines());
-}
-
-TEST_F(SessionService, FailedDeregistrationStaysRegistered) {
-    Register();
-    connector.Fail(FakeConnector::Operation::DeRegisterClient, FakeConnector::Failure::Standard,
-                   "gone");
-    session->DeRegisterFromCorvane();
-    EXPECT_TRUE(vanto::Session().registered);
-    EXPECT_EQ((std::vector<Line>{
-                  {2, Deregistering},
-                  {0, L"Failure to deregister from Corvane - exception from call : gone"}}),
-              Lines());
+    EXPECT_EQ(2u, connector.deregisterRequests.size());
+    EXPECT_EQ(
+        (std::vector<Line>{{2, Deregistering},
+                           {0, L"Failure to deregister from Corvane - exception from call : gone"},
+                           {2, Deregistering},
+                           {2, L"Deregistered from Corvane"},
+                           {2, Deregistering},
+                           {2, NothingToDo}}),
+        Lines());
 }
 
 TEST_F(SessionService, DestroyingTheManagerDeregistersOnlyWhenRegistered) {
@@ -414,8 +469,7 @@ TEST_F(SessionService, DestroyingTheManagerDeregistersOnlyWhenRegistered) {
     Register();
     manager.Reset();
     EXPECT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_EQ(std::vector<std::wstring>{L"VANTOManager::VANTOSession::DeRegisterFromCorvane"},
-              log.ScopesOpened());
+    EXPECT_EQ(std::vector<std::wstring>{Tag(L"DeRegisterFromCorvane")}, log.ScopesOpened());
     EXPECT_FALSE(vanto::Session().registered);
 }
 
@@ -437,23 +491,31 @@ TEST_F(SessionService, SessionInfoAndUser) {
 
     LoggedInUserInfo user;
     user.loginName = L"host";
+    user.email = L"kept";
     log.Clear();
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
     EXPECT_TRUE(Lines().empty());
-    EXPECT_TRUE(user.email.IsEmpty());
+    EXPECT_EQ(L"kept", user.email.wstr());
 
     // A valid session that never registered: asking for the user marks it registered.
     vanto::Session().sessionId = "s-9";
+    log.Clear();
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
     EXPECT_TRUE(vanto::Session().registered);
     EXPECT_EQ(L"ann@example.com", user.email.wstr());
     EXPECT_EQ(L"host", user.loginName.wstr());
+    EXPECT_EQ(
+        (std::vector<std::wstring>{Tag(L"GetCurrentLoggedInUserInfo"), Tag(L"GetSessionInfo")}),
+        log.ScopesOpened());
 
     connector.Answer("GETSESSIONINFO", R"({"Errors":[{"ErrorCode":1}],"UserEmail":"x@y"})");
     log.Clear();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(L"kept", info.userEmail.wstr());
     EXPECT_EQ((std::vector<Line>{{0, L"Failed to get session information."}}), Lines());
+    // The user's e-mail comes from a fresh record, so a failed answer empties it.
+    EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
+    EXPECT_TRUE(user.email.IsEmpty());
 
     connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Communication,
                    "timeout", "GETSESSIONINFO", 1);
