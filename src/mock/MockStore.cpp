@@ -133,6 +133,8 @@ public:
                 fine = depth > 0 && CloseTag();
                 depth -= fine ? 1 : 0;
             } else if (next == '?') {
+                // The reader looks for "?>" only after the '?' that opened: "<?>" is no end.
+                ++pos_;
                 fine = SkipPast("?>", true);
             } else if (next == '!') {
                 fine = Declaration();
