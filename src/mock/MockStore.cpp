@@ -119,7 +119,7 @@ public:
         std::size_t deepest = 0;
         for (;;) {
             if (depth == 0) {
-                SkipSpace();
+                Skip(IsSpace);
                 if (pos_ >= text_.size() || At(0) != '<') {
                     return deepest;
                 }
@@ -133,6 +133,8 @@ public:
                 fine = depth > 0 && CloseTag();
                 depth -= fine ? 1 : 0;
             } else if (next == '?') {
+                // The reader looks for "?>" only after the '?' that opened: "<?>" is no end.
+                ++pos_;
                 fine = SkipPast("?>", true);
             } else if (next == '!') {
                 fine = Declaration();
@@ -153,8 +155,8 @@ private:
     char At(std::size_t offset) const {
         return pos_ + offset < text_.size() ? text_[pos_ + offset] : '\0';
     }
-    void SkipSpace() {
-        while (IsSpace(At(0))) {
+    void Skip(bool (*test)(char)) {
+        while (test(At(0))) {
             ++pos_;
         }
     }
@@ -169,10 +171,8 @@ private:
     }
     bool CloseTag() {
         ++pos_; // '/'
-        while (IsNameChar(At(0))) {
-            ++pos_;
-        }
-        SkipSpace();
+        Skip(IsNameChar);
+        Skip(IsSpace);
         if (At(0) != '>') {
             return false;
         }
@@ -219,23 +219,19 @@ private:
     }
     bool OpenTag(bool& opened) {
         const std::size_t name = pos_;
-        while (IsNameChar(At(0))) {
-            ++pos_;
-        }
+        Skip(IsNameChar);
         if (pos_ == name) {
             return false;
         }
-        SkipSpace();
+        Skip(IsSpace);
         while (IsAttributeNameChar(At(0))) {
-            while (IsAttributeNameChar(At(0))) {
-                ++pos_;
-            }
-            SkipSpace();
+            Skip(IsAttributeNameChar);
+            Skip(IsSpace);
             if (At(0) != '=') {
                 return false;
             }
             ++pos_;
-            SkipSpace();
+            Skip(IsSpace);
             const char quote = At(0);
             if (quote != '"' && quote != '\'') {
                 return false;
@@ -244,7 +240,7 @@ private:
             if (!SkipPast(std::string_view(&quote, 1), true)) {
                 return false;
             }
-            SkipSpace();
+            Skip(IsSpace);
         }
         if (At(0) == '>') {
             ++pos_;

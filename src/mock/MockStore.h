@@ -44,6 +44,17 @@ inline constexpr std::size_t MaxInputNesting = 256;
 // an unreadable or malformed file leaves it empty (or with what was taken over before the fault).
 MockStore* Store() noexcept;
 
+// What a store-backed method answers: `answer(store)`, or 0x8007000E when there is no store or
+// memory runs out on the way.
+template <class Answer> HRESULT AnswerFromStore(Answer answer) noexcept {
+    try {
+        const MockStore* store = Store();
+        return store != nullptr ? answer(*store) : E_OUTOFMEMORY;
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
+}
+
 // Fills `store` from the text of an input file. Never throws; stops at the first fault.
 void ReadInput(std::string_view xml, MockStore& store) noexcept;
 

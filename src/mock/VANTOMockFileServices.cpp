@@ -12,12 +12,8 @@ constexpr HRESULT ElementNotFound = static_cast<HRESULT>(0x80070490);
 // stay as they came in. Slots 3 to 7 write no log records.
 template <class Items, class Answer>
 HRESULT AnswerFromStoreFiles(const Items* items, Answer answer) {
-    try {
-        const vanto::mock::MockStore* store = vanto::mock::Store();
-        if (store == nullptr) {
-            return E_OUTOFMEMORY;
-        }
-        const vanto::mock::MockFileMap known = store->files;
+    return vanto::mock::AnswerFromStore([&](const vanto::mock::MockStore& store) {
+        const vanto::mock::MockFileMap known = store.files;
         if (known.empty()) {
             return ElementNotFound;
         }
@@ -25,9 +21,7 @@ HRESULT AnswerFromStoreFiles(const Items* items, Answer answer) {
             answer(known, *items);
         }
         return S_OK;
-    } catch (...) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 } // namespace
@@ -78,20 +72,14 @@ VANTOManager::VANTOMockFileServices::IsValidCorvaneFile(const GUserText& path) {
 
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::GetStatusInformation(
     const GUserText& path, FileStatusInformation* status) {
-    try {
-        const vanto::mock::MockStore* store = vanto::mock::Store();
-        if (store == nullptr) {
-            return E_OUTOFMEMORY;
-        }
-        const auto found = store->files.find(path);
-        if (found != store->files.end() && status != nullptr) {
+    return vanto::mock::AnswerFromStore([&](const vanto::mock::MockStore& store) {
+        const auto found = store.files.find(path);
+        if (found != store.files.end() && status != nullptr) {
             status->checkedOutBy = found->second.checkedOutBy;
-            status->isCheckedOutByMe = status->checkedOutBy.EqualsNoCase(store->userName);
+            status->isCheckedOutByMe = status->checkedOutBy.EqualsNoCase(store.userName);
         }
         return S_OK;
-    } catch (...) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 bool STDMETHODCALLTYPE

@@ -10,22 +10,15 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOMockSession::IsConnected(bool /*force*
 // The store's root folder, created when it is not there yet (one level, as CreateDirectoryW does).
 HRESULT STDMETHODCALLTYPE
 VANTOManager::VANTOMockSession::GetRootFolders(RootFolderSet* rootFolders) {
-    try {
-        const vanto::mock::MockStore* store = vanto::mock::Store();
-        if (store == nullptr) {
-            return E_OUTOFMEMORY;
-        }
-        const GUserText& folder = store->rootFolder;
-        if (!platform::os::DirectoryExists(folder.wstr())) {
-            platform::os::MakeDirectory(folder.wstr());
+    return vanto::mock::AnswerFromStore([&](const vanto::mock::MockStore& store) {
+        if (!platform::os::DirectoryExists(store.rootFolder.wstr())) {
+            platform::os::MakeDirectory(store.rootFolder.wstr());
         }
         if (rootFolders != nullptr) {
-            rootFolders->insert(folder);
+            rootFolders->insert(store.rootFolder);
         }
         return S_OK;
-    } catch (...) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 HRESULT STDMETHODCALLTYPE

@@ -127,8 +127,9 @@ TEST(InputNesting, CountsTheLevelsTheReaderOpens) {
     // that ends while elements are open has still been nested that deep.
     for (const std::string& hidden :
          {std::string("<!-- </a></a> -->"), std::string("<![CDATA[</a></a>]]>"),
-          std::string("<?pi </a></a> ?>"), std::string("<a t='</a></a>'/>"),
-          std::string("<!DOCTYPE x [ <!ENTITY e '</a></a>'> ]>"), std::string("<!x '</a'>")}) {
+          std::string("<?pi </a></a> ?>"), std::string("<?></a></a>?>"),
+          std::string("<a t='</a></a>'/>"), std::string("<!DOCTYPE x [ <!ENTITY e '</a></a>'> ]>"),
+          std::string("<!x '</a'>")}) {
         SCOPED_TRACE(hidden);
         EXPECT_EQ(6u, DeepestNesting("<r><r><r>" + hidden + "<a><a><a>"));
     }

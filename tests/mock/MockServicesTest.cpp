@@ -8,8 +8,6 @@ namespace {
 
 using testsupport::MockTest;
 
-constexpr HRESULT ElementNotFound = static_cast<HRESULT>(0x80070490);
-
 const char* const Sample = R"(<?xml version="1.0"?>
 <xml>
   <RootFolder>Z:\PDM\VANTO\Root</RootFolder>
@@ -32,7 +30,15 @@ TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
     FileLockStatusMap locks;
     PathMonitoredMap monitored;
     FileStatusInformation status;
-    EXPECT_TRUE(session->IsConnected(true) && !session->IsCorvaneInOffLineMode());
+    bool timedOut = true;
+    SessionInfo info{L"kept", L"", L"", L""};
+    EXPECT_TRUE(session->IsConnected(true) && session->IsCorvaneRunning() &&
+                session->IsCorvaneInstalled() && !session->IsCorvaneInOffLineMode());
+    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr));
+    EXPECT_FALSE(timedOut);
+    session->DeRegisterFromCorvane();
+    EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
+    EXPECT_EQ(GUserText(L"kept"), info.authenticatedUserName);
     session->GetRootFolders(&roots);
     session->GetCurrentLoggedInUserInfo(&user);
     files->CheckIn(&items);
@@ -146,14 +152,6 @@ TEST_F(MockTest, CheckInAndCheckOutLeaveTheCallersItemsAsTheyCame) {
     const FileLockStatus& lock = locks.at(L"a");
     EXPECT_TRUE(lock.isCheckedOut && lock.isCheckedOutByCurrentUser && !lock.isNewVersionAvailable);
     EXPECT_EQ(GUserText(L"me"), lock.checkedOutBy);
-}
-
-TEST_F(MockTest, EmptyStoreGivesElementNotFoundForCheckInAndCheckOut) {
-    FileCheckInList items{{L"Z:\\a.par", 3, L"x"}};
-    FileLockStatusMap locks{{L"Z:\\a.par", {}}};
-    EXPECT_EQ(ElementNotFound, files->CheckIn(&items));
-    EXPECT_EQ(ElementNotFound, files->CheckOut(&locks));
-    EXPECT_EQ(3, items[0].errorCode);
 }
 
 // The results worked out per item are handed to nobody; they are checked on the store itself.
