@@ -137,7 +137,6 @@ TEST(BadInput, NothingIsLeftBehindWhateverTheTextIs) {
         const CorvaneQueryDesignRevisionsOutput output(answer);
         ASSERT_EQ(1U, output.DesignRevisionInfo.size());
         EXPECT_GT(Core::MemoryManager::LiveAllocations(), before);
-        EXPECT_FALSE(output.ToJson().empty());
     }
     EXPECT_EQ(before, Core::MemoryManager::LiveAllocations());
     for (std::size_t cut = 0; cut < answer.size(); ++cut) {
