@@ -8,7 +8,6 @@
 namespace {
 
 using Core::CommandIO::CommandInputBase;
-using Core::CommandIO::VersionedCommandInputBase;
 using Corvane::CommandIO::CommandOutputBase;
 using Corvane::CommandIO::DataManagement::CorvaneGetRootFoldersOutput;
 using Corvane::CommandIO::Generic::CorvaneGetSessionInfoOutput;
@@ -18,11 +17,6 @@ TEST(Envelope, UnversionedInputWritesCommandAndSessionOnly) {
     CommandInputBase input("GETCONNECTIONSTATUS");
     input.SessionId = "s-1";
     EXPECT_EQ(R"({"Command":"GETCONNECTIONSTATUS","SessionId":"s-1"})", input.ToJson().str());
-}
-
-TEST(Envelope, VersionedInputWritesVersionAfterTheEnvelope) {
-    VersionedCommandInputBase input("X");
-    EXPECT_EQ(R"({"Command":"X","SessionId":"","Version":1})", input.ToJson().str());
 }
 
 TEST(Envelope, OutputReadsErrorsAndLeavesMissingFieldsAtDefaults) {
