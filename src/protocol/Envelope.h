@@ -49,11 +49,11 @@ public:
 namespace Corvane::CommandIO {
 
 // The base of every command output; no errors means success. Also the whole answer of
-// "GETCONNECTIONSTATUS".
+// "GETCONNECTIONSTATUS". It has no ToJson of its own: every output would inherit it and write
+// "Errors" alone. The outputs that callers log state their own writer, which writes "Errors" first.
 class CommandOutputBase : public Core::AllocatableObject {
 public:
     VANTO_JSON_READER(CommandOutputBase)
-    VANTO_JSON_WRITER(CommandOutputBase)
 
     Core::DynamicArray<Core::UniquePtr<Corvane::Error::ErrorInfo>> Errors;
 

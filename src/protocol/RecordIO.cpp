@@ -37,10 +37,8 @@ bool FitsInt32(std::int64_t value) noexcept {
 using TextList = Core::DynamicArray<Core::TevString>;
 using IntegerList = Core::DynamicArray<std::int32_t>;
 
-// Moves one member of a finished record into the caller's record.
-void TakeOver(const Field& field, void* to, void* from) noexcept {
-    void* target = field.member(to);
-    void* source = field.member(from);
+// Moves a value of the field's kind from `source` to the member at `target`.
+void MoveValue(const Field& field, void* target, void* source) noexcept {
     switch (field.kind) {
     case Kind::Text:
         *static_cast<Core::TevString*>(target) = std::move(*static_cast<Core::TevString*>(source));
@@ -64,6 +62,11 @@ void TakeOver(const Field& field, void* to, void* from) noexcept {
         field.nested().listMove(target, source);
         break;
     }
+}
+
+// Moves one member of a finished record into the caller's record.
+void TakeOver(const Field& field, void* to, void* from) noexcept {
+    MoveValue(field, field.member(to), field.member(from));
 }
 
 // basic_parser handler that builds records as the events come.
@@ -182,20 +185,8 @@ public:
         }
         Frame& done = frames_[depth_ - 1];
         if (elements > 0) {
-            Frame& parent = frames_[depth_ - 2];
-            void* member = done.field->member(parent.object);
-            switch (done.type) {
-            case Frame::Type::Texts:
-                *static_cast<TextList*>(member) = std::move(*static_cast<TextList*>(done.List()));
-                break;
-            case Frame::Type::Integers:
-                *static_cast<IntegerList*>(member) =
-                    std::move(*static_cast<IntegerList*>(done.List()));
-                break;
-            default:
-                done.schema->listMove(member, done.List());
-                break;
-            }
+            const Frame& parent = frames_[depth_ - 2];
+            MoveValue(*done.field, done.field->member(parent.object), done.List());
             MarkCompleted(done.field, depth_ - 1);
         }
         Release(done);
