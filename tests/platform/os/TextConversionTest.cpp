@@ -21,10 +21,6 @@ using Points = std::vector<char32_t>;
 
 constexpr char32_t R = 0xFFFD;
 
-std::string Narrow(const Bytes& bytes) {
-    return std::string(bytes.begin(), bytes.end());
-}
-
 // Wide text holding the given values: values above U+FFFF become surrogate pairs where wchar_t is
 // 16 bits; every other value, a lone surrogate included, is one wchar_t.
 std::wstring Wide(const Points& points) {
@@ -55,59 +51,41 @@ Points CodePoints(const std::wstring& wide) {
     return points;
 }
 
-std::string Hex(const Points& points) {
+// Values in hexadecimal, so that a failure shows which one differs.
+template <class Values> std::string Hex(const Values& values) {
     std::string text;
     char buffer[16];
-    for (char32_t point : points) {
-        std::snprintf(buffer, sizeof buffer, " %04X", static_cast<unsigned>(point));
+    for (const auto value : values) {
+        using Unsigned = std::make_unsigned_t<std::remove_const_t<decltype(value)>>;
+        std::snprintf(buffer, sizeof buffer, " %02X", static_cast<unsigned>(Unsigned(value)));
         text += buffer;
     }
     return text;
 }
 
-std::string Hex(const std::string& bytes) {
-    std::string text;
-    char buffer[8];
-    for (char byte : bytes) {
-        std::snprintf(buffer, sizeof buffer, " %02X", static_cast<unsigned char>(byte));
-        text += buffer;
-    }
-    return text;
-}
-
-struct DecodeCase {
+template <class In, class Out> struct Case {
     const char* name;
-    Bytes utf8;
-    Points expected;
+    In in;
+    Out expected;
 };
 
-struct EncodeCase {
-    const char* name;
-    Points wide;
-    Bytes expected;
-};
-
-void CheckDecoding(const std::vector<DecodeCase>& cases) {
+void CheckDecoding(const std::vector<Case<Bytes, Points>>& cases) {
     for (const auto& c : cases) {
-        EXPECT_EQ(Hex(CodePoints(Utf8ToWide(Narrow(c.utf8)))), Hex(c.expected)) << c.name;
+        const std::string utf8(c.in.begin(), c.in.end());
+        EXPECT_EQ(Hex(CodePoints(Utf8ToWide(utf8))), Hex(c.expected)) << c.name;
     }
 }
 
-void CheckEncoding(const std::vector<EncodeCase>& cases) {
+void CheckEncoding(const std::vector<Case<Points, Bytes>>& cases) {
     for (const auto& c : cases) {
-        EXPECT_EQ(Hex(WideToUtf8(Wide(c.wide))), Hex(Narrow(c.expected))) << c.name;
+        EXPECT_EQ(Hex(WideToUtf8(Wide(c.in))), Hex(c.expected)) << c.name;
     }
 }
 
-TEST(TextConversionTest, EmptyInputGivesEmptyOutput) {
-    EXPECT_TRUE(Utf8ToWide("").empty());
-    EXPECT_TRUE(WideToUtf8(L"").empty());
-    EXPECT_TRUE(Utf8ToWide(std::string_view()).empty());
-    EXPECT_TRUE(WideToUtf8(std::wstring_view()).empty());
-}
-
-TEST(TextConversionTest, DecodesWellFormedUtf8AtEveryLengthBoundary) {
+TEST(TextConversionTest, DecodesUtf8AsTheWindowsConverterDoes) {
     CheckDecoding({
+        // Well-formed UTF-8 at every length boundary.
+        {"empty", {}, {}},
         {"ascii", {0x41, 0x42, 0x43}, {0x41, 0x42, 0x43}},
         {"embedded nul", {0x41, 0x00, 0x42}, {0x41, 0x00, 0x42}},
         {"U+007F", {0x7F}, {0x7F}},
@@ -123,12 +101,8 @@ TEST(TextConversionTest, DecodesWellFormedUtf8AtEveryLengthBoundary) {
         {"U+10000", {0xF0, 0x90, 0x80, 0x80}, {0x10000}},
         {"U+1F600", {0xF0, 0x9F, 0x98, 0x80}, {0x1F600}},
         {"U+10FFFF", {0xF4, 0x8F, 0xBF, 0xBF}, {0x10FFFF}},
-    });
-}
-
-TEST(TextConversionTest, OverlongAndOutOfRangeFormsYieldOneReplacementPerLeftoverByte) {
-    // The lead and the offending second byte make one U+FFFD; each remaining byte makes another.
-    CheckDecoding({
+        // Overlong and out-of-range forms: the lead and the offending second byte make one
+        // U+FFFD, each remaining byte another.
         {"C0 80", {0xC0, 0x80}, {R, R}},
         {"C1 BF", {0xC1, 0xBF}, {R, R}},
         {"E0 80 80", {0xE0, 0x80, 0x80}, {R, R}},
@@ -141,11 +115,7 @@ TEST(TextConversionTest, OverlongAndOutOfRangeFormsYieldOneReplacementPerLeftove
         {"U+110000", {0xF4, 0x90, 0x80, 0x80}, {R, R, R}},
         {"bad second byte then ascii", {0xE0, 0x80, 0x41}, {R, 0x41}},
         {"surrogate start then ascii", {0xED, 0xA0, 0x41}, {R, 0x41}},
-    });
-}
-
-TEST(TextConversionTest, BytesThatCannotStartASequenceEachYieldOneReplacement) {
-    CheckDecoding({
+        // Bytes that cannot start a sequence each yield one replacement.
         {"lone 80", {0x80}, {R}},
         {"lone BF", {0xBF}, {R}},
         {"continuations then ascii", {0x80, 0x80, 0x41}, {R, R, 0x41}},
@@ -161,11 +131,7 @@ TEST(TextConversionTest, BytesThatCannotStartASequenceEachYieldOneReplacement) {
         {"six-byte form", {0xFC, 0x84, 0x80, 0x80, 0x80, 0x80}, {R, R, R, R, R, R}},
         {"FE", {0xFE}, {R}},
         {"FF then ascii", {0xFF, 0x41}, {R, 0x41}},
-    });
-}
-
-TEST(TextConversionTest, SequenceCutShortByTheEndSwallowsTheRestOfTheText) {
-    CheckDecoding({
+        // A sequence cut short by the end swallows the rest of the text.
         {"C3", {0x41, 0xC3}, {0x41, R}},
         {"E2", {0x41, 0xE2}, {0x41, R}},
         {"E2 82", {0x41, 0xE2, 0x82}, {0x41, R}},
@@ -181,11 +147,7 @@ TEST(TextConversionTest, SequenceCutShortByTheEndSwallowsTheRestOfTheText) {
         // Too few bytes left for what the lead announces: the ascii after it goes too.
         {"E2 then ascii", {0xE2, 0x41}, {R}},
         {"F0 9F then ascii", {0xF0, 0x9F, 0x41}, {R}},
-    });
-}
-
-TEST(TextConversionTest, SequenceBrokenInsideTextYieldsOneReplacementAndResumes) {
-    CheckDecoding({
+        // A sequence broken inside the text yields one replacement and resumes.
         {"C3 then ascii", {0xC3, 0x41}, {R, 0x41}},
         {"E2 82 then ascii", {0xE2, 0x82, 0x41}, {R, 0x41}},
         {"F0 9F 98 then ascii", {0xF0, 0x9F, 0x98, 0x41}, {R, 0x41}},
@@ -196,8 +158,10 @@ TEST(TextConversionTest, SequenceBrokenInsideTextYieldsOneReplacementAndResumes)
     });
 }
 
-TEST(TextConversionTest, EncodesScalarValuesAtEveryLengthBoundary) {
+TEST(TextConversionTest, EncodesWideTextAsTheWindowsConverterDoes) {
     CheckEncoding({
+        // Scalar values at every length boundary.
+        {"empty", {}, {}},
         {"ascii", {0x41, 0x42}, {0x41, 0x42}},
         {"embedded nul", {0x41, 0x00, 0x42}, {0x41, 0x00, 0x42}},
         {"U+007F", {0x7F}, {0x7F}},
@@ -210,11 +174,7 @@ TEST(TextConversionTest, EncodesScalarValuesAtEveryLengthBoundary) {
         {"U+10000", {0x10000}, {0xF0, 0x90, 0x80, 0x80}},
         {"U+1F600", {0x1F600}, {0xF0, 0x9F, 0x98, 0x80}},
         {"U+10FFFF", {0x10FFFF}, {0xF4, 0x8F, 0xBF, 0xBF}},
-    });
-}
-
-TEST(TextConversionTest, EachUnpairedSurrogateBecomesOneReplacement) {
-    CheckEncoding({
+        // Each unpaired surrogate becomes one replacement.
         {"high at end", {0x41, 0xD83D}, {0x41, 0xEF, 0xBF, 0xBD}},
         {"high before ascii", {0xD83D, 0x41}, {0xEF, 0xBF, 0xBD, 0x41}},
         {"lone low", {0xDE00}, {0xEF, 0xBF, 0xBD}},
@@ -224,12 +184,6 @@ TEST(TextConversionTest, EachUnpairedSurrogateBecomesOneReplacement) {
         {"two lows", {0xDC00, 0xDC00}, {0xEF, 0xBF, 0xBD, 0xEF, 0xBF, 0xBD}},
         {"high before a pair", {0xD83D, 0x1F600}, {0xEF, 0xBF, 0xBD, 0xF0, 0x9F, 0x98, 0x80}},
     });
-}
-
-TEST(TextConversionTest, SupplementaryCharacterIsOneCodePointInTheWideForm) {
-    // A surrogate pair where wchar_t is 16 bits, a single wchar_t where it is 32 bits.
-    EXPECT_EQ(Utf8ToWide("\xF0\x9F\x98\x80"), std::wstring(L"\U0001F600"));
-    EXPECT_EQ(WideToUtf8(L"\U0001F600"), std::string("\xF0\x9F\x98\x80"));
 }
 
 #if WCHAR_MAX > 0xFFFF
@@ -257,6 +211,10 @@ TEST(TextConversionTest, EveryScalarValueSurvivesARoundTrip) {
     const std::string utf8 = WideToUtf8(Wide(all));
     EXPECT_EQ(utf8.size(), expectedBytes);
     EXPECT_TRUE(CodePoints(Utf8ToWide(utf8)) == all);
+    // The wide form agrees with the compiler's: a surrogate pair where wchar_t is 16 bits.
+    EXPECT_EQ(Utf8ToWide("\xF0\x9F\x98\x80"), std::wstring(L"\U0001F600"));
+    EXPECT_EQ(WideToUtf8(L"\U0001F600"), std::string("\xF0\x9F\x98\x80"));
+    EXPECT_TRUE(Utf8ToWide(std::string_view()).empty() && WideToUtf8(std::wstring_view()).empty());
 }
 
 } // namespace
