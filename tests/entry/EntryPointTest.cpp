@@ -4,23 +4,22 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 namespace {
 
 constexpr IID IID_Unrelated = {
     0x12345678, 0x1234, 0x1234, {0x12, 0x34, 0x12, 0x34, 0x56, 0x78, 0x9a, 0xbc}};
 
-struct HResultReport {
-    HRESULT hr;
-    int line;
-};
-
-std::vector<HResultReport> Reports(const CapturingLogSink& log) {
-    std::vector<HResultReport> reports;
+// The failures reported to the host's log, as (result, line of the report).
+std::vector<std::pair<HRESULT, int>> Reports(const CapturingLogSink& log) {
+    std::vector<std::pair<HRESULT, int>> reports;
     for (const LogRecord& record : log.records) {
         if (record.kind == LogRecord::Kind::HResultError) {
             EXPECT_EQ("VANTO", record.file);
             EXPECT_EQ("DllGetClassObject", record.function);
-            reports.push_back({record.hr, record.line});
+            reports.emplace_back(record.hr, record.line);
         }
     }
     return reports;
@@ -38,23 +37,15 @@ TEST(DllGetClassObject, ChecksPointerThenInterfaceThenClass) {
     out = &log;
     EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, DllGetClassObject(IID_Unrelated, IID_IClassFactory, &out));
     EXPECT_EQ(nullptr, out);
-
-    const std::vector<HResultReport> reports = Reports(log);
-    ASSERT_EQ(3u, reports.size());
-    EXPECT_EQ(E_INVALIDARG, reports[0].hr);
-    EXPECT_EQ(93, reports[0].line);
-    EXPECT_EQ(E_NOINTERFACE, reports[1].hr);
-    EXPECT_EQ(99, reports[1].line);
-    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, reports[2].hr);
-    EXPECT_EQ(105, reports[2].line);
+    EXPECT_EQ((std::vector<std::pair<HRESULT, int>>{
+                  {E_INVALIDARG, 93}, {E_NOINTERFACE, 99}, {CLASS_E_CLASSNOTAVAILABLE, 105}}),
+              Reports(log));
 }
 
 TEST(DllGetClassObject, HandsOutAFreshFactoryWithOneReference) {
     CapturingLogSink log;
-    IClassFactory* first = nullptr;
+    IClassFactory* first = testsupport::NewClassFactory();
     IUnknown* second = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&first)));
     ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IUnknown,
                                       reinterpret_cast<void**>(&second)));
     EXPECT_NE(static_cast<IUnknown*>(first), second);
@@ -66,24 +57,8 @@ TEST(DllGetClassObject, HandsOutAFreshFactoryWithOneReference) {
     EXPECT_TRUE(Reports(log).empty());
 }
 
-TEST(ClassFactory, QueryInterfaceLeavesOutputAloneForOtherInterfaces) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
-    void* out = &factory;
-    EXPECT_EQ(E_NOINTERFACE, factory->QueryInterface(IID_IVANTOSession, &out));
-    EXPECT_EQ(static_cast<void*>(&factory), out);
-    IUnknown* unknown = nullptr;
-    EXPECT_EQ(S_OK, factory->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown)));
-    EXPECT_EQ(static_cast<IUnknown*>(factory), unknown);
-    EXPECT_EQ(1u, unknown->Release());
-    EXPECT_EQ(0u, factory->Release());
-}
-
-TEST(ClassFactory, CreatesManagersForEachInterface) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
+TEST(ClassFactory, CreatesManagersForEachInterfaceAndIsNoneOfThem) {
+    IClassFactory* factory = testsupport::NewClassFactory();
     for (const IID* iid : {&IID_IUnknown, &IID_IVANTOSession, &IID_IVANTOFileServices,
                            &IID_IVANTOMockSession, &IID_IVANTOMockFileServices}) {
         IUnknown* object = nullptr;
@@ -94,7 +69,15 @@ TEST(ClassFactory, CreatesManagersForEachInterface) {
     void* out = &factory;
     EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, IID_IClassFactory, &out));
     EXPECT_EQ(nullptr, out);
-    factory->Release();
+
+    // Its own QueryInterface leaves the output alone for other interfaces.
+    out = &factory;
+    EXPECT_EQ(E_NOINTERFACE, factory->QueryInterface(IID_IVANTOSession, &out));
+    EXPECT_EQ(static_cast<void*>(&factory), out);
+    IUnknown* unknown = testsupport::Query<IUnknown>(factory, IID_IUnknown);
+    EXPECT_EQ(static_cast<IUnknown*>(factory), unknown);
+    EXPECT_EQ(1u, unknown->Release());
+    EXPECT_EQ(0u, factory->Release());
 }
 
 // An outer object that counts what the aggregated manager forwards to it.
@@ -119,9 +102,7 @@ public:
 };
 
 TEST(ClassFactory, AggregationAsksForTheInnerUnknownOnly) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
+    IClassFactory* factory = testsupport::NewClassFactory();
     Outer outer;
     void* out = &outer;
     EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(&outer, IID_IVANTOSession, &out));
@@ -174,9 +155,7 @@ TEST(Manager, HandsOutEachInterfaceAndRefusesOthers) {
 }
 
 TEST(DllCanUnloadNow, FollowsLocksAndStaysBusyOnceAManagerHasGone) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
+    IClassFactory* factory = testsupport::NewClassFactory();
     const HRESULT before = DllCanUnloadNow();
     EXPECT_EQ(S_OK, factory->LockServer(TRUE));
     EXPECT_EQ(S_FALSE, DllCanUnloadNow());

@@ -1,6 +1,7 @@
 // Loads the built module as a host does and reaches the component through its exports alone.
 #include "VANTO.h"
 #include "os/DynamicLibrary.h"
+#include "support/ComTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -22,27 +23,7 @@ TEST(ModuleLoad, ReachesAllFourInterfacesThroughDllGetClassObject) {
               factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&manager)));
     EXPECT_EQ(0u, factory->Release());
 
-    IVANTOSession* session = nullptr;
-    IVANTOSession* mockSession = nullptr;
-    IVANTOFileServices* files = nullptr;
-    IVANTOFileServices* mockFiles = nullptr;
-    ASSERT_EQ(S_OK, manager->QueryInterface(IID_IVANTOSession, reinterpret_cast<void**>(&session)));
-    ASSERT_EQ(S_OK, manager->QueryInterface(IID_IVANTOMockSession,
-                                            reinterpret_cast<void**>(&mockSession)));
-    ASSERT_EQ(S_OK,
-              manager->QueryInterface(IID_IVANTOFileServices, reinterpret_cast<void**>(&files)));
-    ASSERT_EQ(S_OK, manager->QueryInterface(IID_IVANTOMockFileServices,
-                                            reinterpret_cast<void**>(&mockFiles)));
-
-    // Calls reach the module's own code: without a connector nothing is installed, while the
-    // mock always says it is.
-    EXPECT_FALSE(session->IsCorvaneInstalled());
-    EXPECT_TRUE(mockSession->IsCorvaneInstalled());
-
-    for (IUnknown* unknown : {static_cast<IUnknown*>(session), static_cast<IUnknown*>(mockSession),
-                              static_cast<IUnknown*>(files), static_cast<IUnknown*>(mockFiles)}) {
-        unknown->Release();
-    }
+    testsupport::CallEachInterface(manager);
     EXPECT_EQ(0u, manager->Release());
     EXPECT_EQ(S_FALSE, canUnloadNow());
 }

@@ -13,13 +13,43 @@ inline ULONG RefCount(IUnknown* unknown) {
     return unknown->Release();
 }
 
+// The class factory as a host gets it, with one reference.
+inline IClassFactory* NewClassFactory() {
+    IClassFactory* factory = nullptr;
+    EXPECT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                      reinterpret_cast<void**>(&factory)));
+    return factory;
+}
+
+// The interface `iid` of `object`, with a reference of its own.
+template <class Interface> Interface* Query(IUnknown* object, const IID& iid) {
+    Interface* found = nullptr;
+    EXPECT_EQ(S_OK, object->QueryInterface(iid, reinterpret_cast<void**>(&found)));
+    return found;
+}
+
+// Reaches the four interfaces of a manager as a host does and calls into the module's own code:
+// without a connector nothing is installed, while the mock always says it is.
+inline void CallEachInterface(IUnknown* manager) {
+    IVANTOSession* session = Query<IVANTOSession>(manager, IID_IVANTOSession);
+    IVANTOSession* mockSession = Query<IVANTOSession>(manager, IID_IVANTOMockSession);
+    IUnknown* files = Query<IUnknown>(manager, IID_IVANTOFileServices);
+    IUnknown* mockFiles = Query<IUnknown>(manager, IID_IVANTOMockFileServices);
+    ASSERT_TRUE(session != nullptr && mockSession != nullptr && files != nullptr &&
+                mockFiles != nullptr);
+    EXPECT_FALSE(session->IsCorvaneInstalled());
+    EXPECT_TRUE(mockSession->IsCorvaneInstalled());
+    for (IUnknown* unknown :
+         {static_cast<IUnknown*>(session), static_cast<IUnknown*>(mockSession), files, mockFiles}) {
+        unknown->Release();
+    }
+}
+
 // A manager made through DllGetClassObject and the class factory, released at scope end.
 class ManagerHandle {
 public:
     ManagerHandle() {
-        IClassFactory* factory = nullptr;
-        EXPECT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                          reinterpret_cast<void**>(&factory)));
+        IClassFactory* factory = NewClassFactory();
         EXPECT_EQ(S_OK, factory->CreateInstance(nullptr, IID_IUnknown,
                                                 reinterpret_cast<void**>(&unknown_)));
         factory->Release();
@@ -35,8 +65,7 @@ public:
     IUnknown* Unknown() const { return unknown_; }
 
     template <class Interface> Interface* Get(const IID& iid) const {
-        Interface* found = nullptr;
-        EXPECT_EQ(S_OK, unknown_->QueryInterface(iid, reinterpret_cast<void**>(&found)));
+        Interface* found = Query<Interface>(unknown_, iid);
         if (found != nullptr) {
             found->Release(); // the handle keeps the object alive
         }

@@ -3,6 +3,7 @@
 #ifdef _WIN32
 
 #include "VANTO.h"
+#include "support/ComTestSupport.h"
 
 #include <sddl.h>
 
@@ -182,26 +183,7 @@ TEST(ComRuntime, LoadsCreatesAndUnloadsTheRegisteredComponent) {
         ASSERT_EQ(S_OK, ::CoCreateInstance(CLSID_VANTOManager, nullptr, CLSCTX_INPROC_SERVER,
                                            IID_IUnknown, reinterpret_cast<void**>(&manager)));
         EXPECT_TRUE(ModuleLoaded());
-        IVANTOSession* session = nullptr;
-        IVANTOSession* mockSession = nullptr;
-        IVANTOFileServices* files = nullptr;
-        IVANTOFileServices* mockFiles = nullptr;
-        ASSERT_EQ(S_OK,
-                  manager->QueryInterface(IID_IVANTOSession, reinterpret_cast<void**>(&session)));
-        ASSERT_EQ(S_OK, manager->QueryInterface(IID_IVANTOMockSession,
-                                                reinterpret_cast<void**>(&mockSession)));
-        ASSERT_EQ(S_OK, session->QueryInterface(IID_IVANTOFileServices,
-                                                reinterpret_cast<void**>(&files)));
-        ASSERT_EQ(S_OK, files->QueryInterface(IID_IVANTOMockFileServices,
-                                              reinterpret_cast<void**>(&mockFiles)));
-        // Calls reach the module's code: no connector here, while the mock always has one.
-        EXPECT_FALSE(session->IsCorvaneInstalled());
-        EXPECT_TRUE(mockSession->IsCorvaneInstalled());
-        for (IUnknown* unknown :
-             {static_cast<IUnknown*>(session), static_cast<IUnknown*>(mockSession),
-              static_cast<IUnknown*>(files), static_cast<IUnknown*>(mockFiles)}) {
-            unknown->Release();
-        }
+        testsupport::CallEachInterface(manager);
         EXPECT_EQ(0u, manager->Release());
 
         // A manager has gone: from now on the module answers that it is busy, and stays.
