@@ -20,11 +20,12 @@ const char* const Sample = R"(<?xml version="1.0"?>
   </Files>
 </xml>)";
 
-TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
+TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecordsAndTheRootFolderIsMade) {
     WriteInput(Sample);
     drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
+    ASSERT_FALSE(GUserFileName(GUserText(L"Z:\\PDM\\VANTO\\Root")).Exists());
     CapturingLogSink log;
-    RootFolderSet roots;
+    RootFolderSet roots{GUserText(L"C:\\Existing")};
     LoggedInUserInfo user;
     FileCheckInList items;
     FileLockStatusMap locks;
@@ -39,7 +40,11 @@ TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
     session->DeRegisterFromCorvane();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(GUserText(L"kept"), info.authenticatedUserName);
-    session->GetRootFolders(&roots);
+    // The root folder is created and added to the caller's set; once there, it is fine.
+    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
+    EXPECT_EQ((RootFolderSet{L"C:\\Existing", L"Z:\\PDM\\VANTO\\Root"}), roots);
+    EXPECT_TRUE(std::filesystem::is_directory(drive.Native(L"Z:\\PDM\\VANTO\\Root")));
+    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
     session->GetCurrentLoggedInUserInfo(&user);
     files->CheckIn(&items);
     files->CheckOut(&locks);
@@ -53,19 +58,6 @@ TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
     EXPECT_EQ(
         (std::vector<std::wstring>{tag + L"AttachDocumentToRevision", tag + L"IsFileSynchronized"}),
         log.ScopesOpened());
-}
-
-TEST_F(MockTest, RootFolderIsCreatedAndAddedToTheCallersSet) {
-    WriteInput(Sample);
-    drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
-    const GUserFileName root(GUserText(L"Z:\\PDM\\VANTO\\Root"));
-    ASSERT_FALSE(root.Exists());
-    RootFolderSet roots{GUserText(L"C:\\Existing")};
-    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
-    EXPECT_EQ((RootFolderSet{L"C:\\Existing", L"Z:\\PDM\\VANTO\\Root"}), roots);
-    EXPECT_TRUE(std::filesystem::is_directory(drive.Native(L"Z:\\PDM\\VANTO\\Root")));
-    ASSERT_EQ(S_OK, session->GetRootFolders(&roots)); // an existing folder is fine
-    EXPECT_TRUE(root.Exists());
 }
 
 int g_userReads = 0;
@@ -112,14 +104,11 @@ TEST_F(MockTest, StatusLooksFilesUpIgnoringCaseAndTheFirstEntryWins) {
     EXPECT_TRUE(untouched.isCheckedOutByMe);
     EXPECT_EQ(2u, Store().files.size());
     EXPECT_EQ(GUserText(L"alice"), Store().projects.at(L"Gearbox").owner);
-}
 
-TEST_F(MockTest, ValidFilesBeginWithTheRootFolderAsWritten) {
-    WriteInput(Sample);
+    // Valid files begin with the root folder as written.
     EXPECT_TRUE(files->IsValidCorvaneFile(GUserText(L"Z:\\PDM\\VANTO\\Root\\not-there.par")));
     EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"z:\\pdm\\vanto\\root\\bracket.par")));
     EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"Z:\\PDM\\VANTO\\Roo")));
-
     PathMonitoredMap monitored{{L"C:\\kept.par", true}};
     const PathList paths{L"Z:\\PDM\\VANTO\\Root\\a.par", L"C:\\kept.par", L"C:\\b.par"};
     ASSERT_EQ(S_OK, files->IsValidCorvaneFile(paths, &monitored));
@@ -127,12 +116,6 @@ TEST_F(MockTest, ValidFilesBeginWithTheRootFolderAsWritten) {
                                 {L"C:\\kept.par", true},
                                 {L"C:\\b.par", false}}),
               monitored);
-}
-
-TEST_F(MockTest, NoRootFolderMakesNoFileValid) {
-    WriteInput("<xml><Files><F><FileName>Z:\\a.par</FileName></F></Files></xml>");
-    EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"Z:\\a.par")));
-    EXPECT_FALSE(files->IsValidCorvaneFile(GUserText()));
 }
 
 TEST_F(MockTest, CheckInAndCheckOutLeaveTheCallersItemsAsTheyCame) {

@@ -1,6 +1,5 @@
 #include "os/UserValues.h"
 #include "host/HostUtil.h"
-#include "os/Os.h"
 
 #include <gtest/gtest.h>
 
@@ -34,32 +33,11 @@ TEST_F(UserValues, TextsComeBackPerScopeAndName) {
         EXPECT_TRUE(ReadUserValue(1, name(i), read));
         EXPECT_EQ(i == 0 ? L"rewritten" : texts[i], read);
     }
-    std::wstring read = L"untouched";
+    std::wstring read;
     EXPECT_TRUE(ReadUserValue(2, name(0), read));
     EXPECT_EQ(L"other scope", read);
-    read = L"untouched";
     EXPECT_FALSE(ReadUserValue(3, name(0), read));
-    EXPECT_EQ(L"untouched", read);
-}
-
-// The values live in the store, not in the process: another store does not see them, and coming
-// back to the first finds them again.
-TEST_F(UserValues, ValuesStayInTheirStore) {
-    const std::wstring mine = L"tests-" + std::to_wstring(platform::os::CurrentProcessId());
-    ASSERT_TRUE(WriteUserValue(1, L"Kept", L"here"));
-
-    platform::os::UseScratchUserValueStore(mine + L"-other");
-    std::wstring read;
-    EXPECT_FALSE(ReadUserValue(1, L"Kept", read));
-    ASSERT_TRUE(WriteUserValue(1, L"Kept", L"elsewhere"));
-    platform::os::ClearUserValueStore();
-
-    platform::os::UseScratchUserValueStore(mine);
-    EXPECT_TRUE(ReadUserValue(1, L"Kept", read));
-    EXPECT_EQ(L"here", read);
-
-    platform::os::ClearUserValueStore();
-    EXPECT_FALSE(ReadUserValue(1, L"Kept", read));
+    EXPECT_EQ(L"other scope", read); // untouched
 }
 
 TEST_F(UserValues, HostBufferIsCutAndTerminated) {
