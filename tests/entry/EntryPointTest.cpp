@@ -154,20 +154,4 @@ TEST(Manager, HandsOutEachInterfaceAndRefusesOthers) {
     EXPECT_EQ(1u, files->Release());
 }
 
-TEST(DllCanUnloadNow, FollowsLocksAndStaysBusyOnceAManagerHasGone) {
-    IClassFactory* factory = testsupport::NewClassFactory();
-    const HRESULT before = DllCanUnloadNow();
-    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
-    EXPECT_EQ(S_FALSE, DllCanUnloadNow());
-    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
-    EXPECT_EQ(before, DllCanUnloadNow());
-
-    IUnknown* manager = nullptr;
-    ASSERT_EQ(S_OK,
-              factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&manager)));
-    factory->Release();
-    manager->Release();
-    EXPECT_EQ(S_FALSE, DllCanUnloadNow());
-}
-
 } // namespace

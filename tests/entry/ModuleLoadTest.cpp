@@ -7,9 +7,14 @@
 
 namespace {
 
-TEST(ModuleLoad, ReachesAllFourInterfacesThroughDllGetClassObject) {
+TEST(ModuleLoad, ExportsOnlyTheEntryPointsAndReachesAllFourInterfaces) {
     platform::os::DynamicLibrary module(VANTO_MODULE_PATH);
     ASSERT_TRUE(module.IsLoaded()) << module.Error();
+    // Names of the component's own code must stay inside the module.
+    for (const char* hidden : {"LogMessage", "HRerrEx", "PDMWriteLog", "SetLogSink",
+                               "_ZN5vanto7SessionEv", "_Z7HRerrExiPKciS0_"}) {
+        EXPECT_EQ(nullptr, module.Symbol(hidden)) << hidden;
+    }
     const auto getClassObject = module.Get<PFN_DllGetClassObject>("DllGetClassObject");
     const auto canUnloadNow = module.Get<PFN_DllCanUnloadNow>("DllCanUnloadNow");
     ASSERT_NE(nullptr, getClassObject);
@@ -18,6 +23,12 @@ TEST(ModuleLoad, ReachesAllFourInterfacesThroughDllGetClassObject) {
     IClassFactory* factory = nullptr;
     ASSERT_EQ(S_OK, getClassObject(CLSID_VANTOManager, IID_IClassFactory,
                                    reinterpret_cast<void**>(&factory)));
+    // The module may go while nothing holds it, not while it is locked ...
+    EXPECT_EQ(S_OK, canUnloadNow());
+    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
+    EXPECT_EQ(S_FALSE, canUnloadNow());
+    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
+    EXPECT_EQ(S_OK, canUnloadNow());
     IUnknown* manager = nullptr;
     ASSERT_EQ(S_OK,
               factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&manager)));
@@ -25,17 +36,8 @@ TEST(ModuleLoad, ReachesAllFourInterfacesThroughDllGetClassObject) {
 
     testsupport::CallEachInterface(manager);
     EXPECT_EQ(0u, manager->Release());
+    // ... and never once a manager has gone.
     EXPECT_EQ(S_FALSE, canUnloadNow());
-}
-
-TEST(ModuleLoad, ExportsOnlyTheTwoEntryPoints) {
-    platform::os::DynamicLibrary module(VANTO_MODULE_PATH);
-    ASSERT_TRUE(module.IsLoaded()) << module.Error();
-    // Names of the component's own code must stay inside the module.
-    for (const char* hidden : {"LogMessage", "HRerrEx", "PDMWriteLog", "SetLogSink",
-                               "_ZN5vanto7SessionEv", "_Z7HRerrExiPKciS0_"}) {
-        EXPECT_EQ(nullptr, module.Symbol(hidden)) << hidden;
-    }
 }
 
 } // namespace

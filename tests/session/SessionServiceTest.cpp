@@ -100,6 +100,9 @@ protected:
                                    {2, L"Corvane Log File Path is : /logs/corvane.log "}});
         return lines;
     }
+    bool Start(int timeoutMs, StopAtTimeoutCallback callback = nullptr) {
+        return session->StartCorvaneAndWaitForReadyState(timeoutMs, &timedOut, callback);
+    }
     void Register() {
         ASSERT_TRUE(session->IsConnected(false));
         log.Clear();
@@ -109,6 +112,7 @@ protected:
     FakeConnector connector;
     CapturingLogSink log;
     std::vector<std::uint32_t> sleeps;
+    bool timedOut = true;
     testsupport::ManagerHandle manager;
     IVANTOSession* session = manager.Session();
     vanto::SessionState& state = vanto::Session();
@@ -155,7 +159,7 @@ TEST_F(SessionService, FirstConnectRegistersThenLaterCallsAnswerFromTheFlag) {
     EXPECT_EQ((Lines{{2, ModeOn}}), Take());
 }
 
-TEST_F(SessionService, ConnectWithoutRegistrationKeepsTryingOnlyUntilAnAttemptIsMade) {
+TEST_F(SessionService, ConnectWithoutRegistrationOrProxyKeepsTryingOnlyUntilAnAttempt) {
     connector.readyAfterPolls = -1;
     EXPECT_FALSE(session->IsConnected(false));
     EXPECT_EQ((Lines{{2, ModeOn}, {0, NotValid}}), Take());
@@ -172,14 +176,13 @@ TEST_F(SessionService, ConnectWithoutRegistrationKeepsTryingOnlyUntilAnAttemptIs
     EXPECT_FALSE(session->IsConnected(false));
     EXPECT_TRUE(Take().empty());
     EXPECT_EQ(1u, connector.registerRequests.size());
-}
 
-TEST_F(SessionService, NullProxySkipsRegistrationAndIsNeverValid) {
+    // Without a proxy nothing is registered and no session is valid.
     connector.proxyAvailable = false;
     testsupport::ManagerHandle noProxy;
     IVANTOSession* bare = noProxy.Session();
+    state = vanto::SessionState();
     state.sessionId = "s-old";
-
     EXPECT_FALSE(bare->IsCorvaneRunning());
     EXPECT_FALSE(bare->IsConnected(true));
     RootFolderSet folders;
@@ -187,7 +190,7 @@ TEST_F(SessionService, NullProxySkipsRegistrationAndIsNeverValid) {
     SessionInfo info;
     EXPECT_EQ(S_OK, bare->GetSessionInfo(&info));
     EXPECT_EQ((Lines{{2, ModeOn}, {0, NotValid}, {0, NotValid}, {0, NotValid}}), Take());
-    EXPECT_TRUE(connector.registerRequests.empty());
+    EXPECT_EQ(1u, connector.registerRequests.size());
     EXPECT_TRUE(connector.executeRequests.empty());
 }
 
@@ -234,12 +237,11 @@ TEST_F(SessionService, StatusErrorsGoOfflineOnlyForCodeSix) {
     EXPECT_FALSE(session->IsConnected(true));
     EXPECT_FALSE(session->IsCorvaneInOffLineMode());
     // ... or set by the start, which also keeps it after a clean status.
-    bool timedOut = true;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(1000, &timedOut, nullptr));
+    EXPECT_FALSE(Start(1000));
     EXPECT_FALSE(timedOut);
     EXPECT_TRUE(session->IsCorvaneInOffLineMode());
     connector.Answer("GETCONNECTIONSTATUS", R"({"Errors":[]})");
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(1000, &timedOut, nullptr));
+    EXPECT_TRUE(Start(1000));
 
     // The flag and the installation are answered without a line of their own.
     Take();
@@ -293,8 +295,7 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
     connector.running = false;
     state.registered = true;
     state.sessionId = "s-0";
-    bool timedOut = true;
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_TRUE(Start(5000));
     EXPECT_FALSE(timedOut);
     EXPECT_EQ(Texts{""}, connector.launchArguments);
     EXPECT_TRUE(sleeps.empty());
@@ -317,7 +318,7 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
     EXPECT_TRUE(state.registered);
 
     // Already running: no launch, and the running check says so.
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_TRUE(Start(5000));
     EXPECT_EQ(1, connector.launches);
     EXPECT_EQ((Line{2, L"Connector is ON and running!!"}), Take().front());
 
@@ -325,7 +326,7 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
     connector.running = false;
     connector.Fail(Op::LaunchApplication, Failure::Standard, "no binary");
     const int polls = connector.readyPolls;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_FALSE(Start(5000));
     EXPECT_FALSE(timedOut);
     EXPECT_EQ((Line{0, L"Corvane failed to start with exception: no binary"}), Take().back());
     EXPECT_EQ(polls, connector.readyPolls);
@@ -335,8 +336,7 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
 TEST_F(SessionService, StartCountsTheRegisterCallAndStopsWhenItFails) {
     // The register call returning is enough to count as registered, with or without an id.
     connector.registerAnswer = "{}";
-    bool timedOut = true;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_FALSE(Start(5000));
     EXPECT_TRUE(state.registered);
     const Lines lines = Take();
     EXPECT_EQ((Lines{{2, L"Corvane Auto Start Session Id is :  "}, {0, NotValid}}),
@@ -346,28 +346,11 @@ TEST_F(SessionService, StartCountsTheRegisterCallAndStopsWhenItFails) {
     // Any failure of the registration step, a communication failure too, ends the start with the
     // Execute prefix and no status check; the deregistration before it has already happened.
     connector.Fail(Op::RegisterClient, Failure::Communication, "pipe closed", "", 1);
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_FALSE(Start(5000));
     EXPECT_FALSE(state.registered);
     EXPECT_EQ(1u, connector.deregisterRequests.size());
     EXPECT_EQ(Failed(L"pipe closed"), Take().back());
     EXPECT_TRUE(connector.executeRequests.empty());
-}
-
-TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeout) {
-    connector.readyAfterPolls = -1;
-    bool timedOut = false;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr));
-    EXPECT_TRUE(timedOut);
-    EXPECT_EQ(std::vector<std::uint32_t>{100}, sleeps);
-    EXPECT_EQ((Line{2, L"Connector was not running, Launching Connector from "
-                       L"StartCorvaneAndWaitForReadyState has timed out."}),
-              Take().back());
-    EXPECT_TRUE(connector.registerRequests.empty());
-
-    // Strictly greater: at 200 ms of 200 it waits once more.
-    sleeps.clear();
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(200, &timedOut, nullptr));
-    EXPECT_EQ(3u, sleeps.size());
 }
 
 int callbackCalls = 0;
@@ -378,32 +361,47 @@ void ExtendSomeTimes(bool* stopAtTimeout) {
     }
 }
 
-TEST_F(SessionService, CallbackExtendsTheWait) {
-    callbackCalls = 0;
-    extendFor = 1000;
-    connector.readyAfterPolls = 5;
-    bool timedOut = true;
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, ExtendSomeTimes));
-    EXPECT_FALSE(timedOut);
-    EXPECT_EQ(5, callbackCalls);
-    EXPECT_EQ(5u, sleeps.size());
+TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeoutOrLonger) {
+    connector.readyAfterPolls = -1;
+    timedOut = false;
+    EXPECT_FALSE(Start(0));
+    EXPECT_TRUE(timedOut);
+    EXPECT_EQ(std::vector<std::uint32_t>{100}, sleeps);
+    EXPECT_EQ((Line{2, L"Connector was not running, Launching Connector from "
+                       L"StartCorvaneAndWaitForReadyState has timed out."}),
+              Take().back());
+    EXPECT_TRUE(connector.registerRequests.empty());
 
-    // Extending two polls past a zero time-out gives up on the third.
+    // Strictly greater: at 200 ms of 200 it waits once more.
+    sleeps.clear();
+    EXPECT_FALSE(Start(200));
+    EXPECT_EQ(3u, sleeps.size());
+
+    // The callback extends the wait: two polls past a zero time-out, then it gives up.
     callbackCalls = 0;
     extendFor = 2;
     sleeps.clear();
-    connector.readyPolls = 0;
-    connector.readyAfterPolls = -1;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, ExtendSomeTimes));
+    EXPECT_FALSE(Start(0, ExtendSomeTimes));
     EXPECT_TRUE(timedOut);
     EXPECT_EQ(3, callbackCalls);
     EXPECT_EQ(2u, sleeps.size());
+
+    // Extended for as long as it takes.
+    callbackCalls = 0;
+    extendFor = 1000;
+    connector.readyPolls = 0;
+    connector.readyAfterPolls = 5;
+    sleeps.clear();
+    EXPECT_TRUE(Start(0, ExtendSomeTimes));
+    EXPECT_FALSE(timedOut);
+    EXPECT_EQ(5, callbackCalls);
+    EXPECT_EQ(5u, sleeps.size());
 
     // Ready at once: the callback is never asked.
     callbackCalls = 0;
     connector.readyAfterPolls = 0;
     connector.readyPolls = 0;
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, ExtendSomeTimes));
+    EXPECT_TRUE(Start(0, ExtendSomeTimes));
     EXPECT_EQ(0, callbackCalls);
 }
 
