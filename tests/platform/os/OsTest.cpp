@@ -3,12 +3,8 @@
 #include "os/Os.h"
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <system_error>
 #include <tuple>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -20,7 +16,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
 using platform::os::CompareNoCase;
 
 TEST(OsCompareNoCase, FoldsAsciiLettersToLowerCaseThenComparesUnsigned) {
@@ -68,59 +63,6 @@ TEST(OsUser, LogonNameIsPlainText) {
     // No terminator or separator leaks into the name.
     EXPECT_EQ(std::wstring::npos, name.find(L'\0'));
     EXPECT_EQ(std::wstring::npos, name.find_first_of(L"\\/:"));
-}
-
-// A folder of its own under the system's temporary folder, removed with everything in it.
-class OsDirectoryTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        root_ = fs::temp_directory_path() /
-                fs::path(L"vanto-os-" + std::to_wstring(platform::os::CurrentProcessId()));
-        fs::remove_all(root_);
-        ASSERT_TRUE(fs::create_directory(root_));
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::remove_all(root_, ignored);
-    }
-    // Joined as text: the library's own conversion of wide names is not what is under test.
-    std::wstring Path(const std::wstring& name) const { return root_.wstring() + L"/" + name; }
-
-    fs::path root_;
-};
-
-TEST_F(OsDirectoryTest, MakesOneDirectoryOnlyWhereItsParentExistsAndTellsFilesFromIt) {
-    const std::wstring folder = Path(L"Root");
-    EXPECT_FALSE(platform::os::DirectoryExists(folder) || platform::os::PathExists(folder));
-    EXPECT_TRUE(platform::os::MakeDirectory(folder));
-    EXPECT_TRUE(fs::is_directory(fs::path(folder)));
-    EXPECT_TRUE(platform::os::DirectoryExists(folder) && platform::os::PathExists(folder));
-    // Already there: not made again.
-    EXPECT_FALSE(platform::os::MakeDirectory(folder));
-    // Missing parents are not made.
-    const std::wstring nested = Path(L"Missing") + L"/Child";
-    EXPECT_FALSE(platform::os::MakeDirectory(nested));
-    EXPECT_FALSE(fs::exists(fs::path(nested)));
-
-    const std::wstring file = Path(L"Input.xml");
-    std::ofstream(fs::path(file)) << "<xml/>";
-    EXPECT_TRUE(platform::os::PathExists(file));
-    EXPECT_FALSE(platform::os::DirectoryExists(file) || platform::os::MakeDirectory(file));
-    EXPECT_FALSE(platform::os::MakeDirectory(L"") || platform::os::PathExists(L"") ||
-                 platform::os::DirectoryExists(L""));
-}
-
-TEST_F(OsDirectoryTest, NamesOutsideAsciiReachTheFileSystemUnchanged) {
-    // A supplementary character is a surrogate pair in Windows' wide text, one value elsewhere;
-    // the file system must hold the same characters either way.
-    ASSERT_TRUE(platform::os::MakeDirectory(Path(L"Teil-\u00E9\u20AC-\U0001F600")));
-    EXPECT_TRUE(platform::os::DirectoryExists(Path(L"Teil-\u00E9\u20AC-\U0001F600")));
-
-    std::vector<std::string> found;
-    for (const fs::directory_entry& entry : fs::directory_iterator(root_)) {
-        found.push_back(entry.path().filename().u8string());
-    }
-    EXPECT_EQ(std::vector<std::string>{u8"Teil-\u00E9\u20AC-\U0001F600"}, found);
 }
 
 } // namespace
