@@ -61,7 +61,8 @@ protected:
     void SetUp() override {
         vanto::ResetSessionStateForTesting();
         HostTesting::ClearUserValues();
-        HostTesting::SetProductPath(GUserText(L"/opt/arbo"));
+        HostTesting::SetProductPath(GUserText(L"/opt/Arbo \u00c9dition"));
+        HostTesting::SetMajorVersion(2026);
         previousSleep_ =
             platform::os::SetSleepHook([this](std::uint32_t ms) { sleeps.push_back(ms); });
         connector.registerAnswer = R"({"SessionId":"s-1"})";
@@ -73,6 +74,7 @@ protected:
     void TearDown() override {
         platform::os::SetSleepHook(previousSleep_);
         HostTesting::UseDefaultProductPath();
+        HostTesting::SetMajorVersion(2024);
         HostTesting::ClearUserValues();
         vanto::ResetSessionStateForTesting();
     }
@@ -126,12 +128,14 @@ TEST_F(SessionService, FirstConnectRegistersThenLaterCallsAnswerFromTheFlag) {
                      R"({"Errors":[],"RootFolders":["/home/ann/Corvane"]})");
     EXPECT_TRUE(session->IsConnected(false));
 
+    // This process, its start as local time, the host's folder in UTF-8 and its version.
     ASSERT_EQ(1u, connector.registerRequests.size());
     EXPECT_TRUE(std::regex_match(
         connector.registerRequests[0],
         std::regex(R"(\{"ProcessId":)" + std::to_string(platform::os::CurrentProcessId()) +
-                   R"(,"ProcessStartTime":"[^"]+","FilePath":"/opt/arbo","ClientInfo":)"
-                   R"(\{"FullName":"Arbo Lite V2024","Product":"ArboLite"\}\})")))
+                   R"(,"ProcessStartTime":"\d{4}-[1-9]\d?-[1-9]\d?T\d\d:\d\d:\d\d",)"
+                   R"("FilePath":"/opt/Arbo \xC3\x89dition","ClientInfo":)"
+                   R"(\{"FullName":"Arbo Lite V2026","Product":"ArboLite"\}\})")))
         << connector.registerRequests[0];
     EXPECT_EQ(
         (Texts{Bare("GETCORVANEROOTFOLDERS"), Bare("GETSESSIONINFO"), Bare("GETCONNECTIONSTATUS")}),
