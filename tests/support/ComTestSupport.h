@@ -54,11 +54,7 @@ public:
                                                 reinterpret_cast<void**>(&unknown_)));
         factory->Release();
     }
-    ~ManagerHandle() {
-        if (unknown_ != nullptr) {
-            unknown_->Release();
-        }
-    }
+    ~ManagerHandle() { Reset(); }
     ManagerHandle(const ManagerHandle&) = delete;
     ManagerHandle& operator=(const ManagerHandle&) = delete;
 
@@ -73,12 +69,9 @@ public:
     }
     IVANTOSession* Session() const { return Get<IVANTOSession>(IID_IVANTOSession); }
     IVANTOSession* MockSession() const { return Get<IVANTOSession>(IID_IVANTOMockSession); }
-    IVANTOFileServices* FileServices() const {
-        return Get<IVANTOFileServices>(IID_IVANTOFileServices);
-    }
-    IVANTOFileServices* MockFileServices() const {
-        return Get<IVANTOFileServices>(IID_IVANTOMockFileServices);
-    }
+    using Files = IVANTOFileServices;
+    Files* FileServices() const { return Get<Files>(IID_IVANTOFileServices); }
+    Files* MockFileServices() const { return Get<Files>(IID_IVANTOMockFileServices); }
 
     // Releases the manager now.
     void Reset() {
