@@ -4,6 +4,7 @@
 #include "host/HostLog.h"
 #include "host/HostUtil.h"
 #include "os/Os.h"
+#include "session/ClientInformation.h"
 #include "session/SessionState.h"
 #include "support/ComTestSupport.h"
 
@@ -489,6 +490,20 @@ TEST_F(SessionService, SessionInfoAndUser) {
     Take();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(Lines{Failed(L"timeout")}, Take());
+}
+
+TEST(ProcessStartTimeText, DatePlainTimePadded) {
+    EXPECT_EQ("2024-3-7T09:05:02", vanto::FormatProcessStartTime({2024, 3, 7, 9, 5, 2}).str());
+    EXPECT_EQ("2025-1-1T00:00:00", vanto::FormatProcessStartTime({2025, 1, 1, 0, 0, 0}).str());
+    EXPECT_EQ("-1--1--1T-1:-1:-1",
+              vanto::FormatProcessStartTime(platform::os::LocalDateTime{}).str());
+}
+
+// The rest of the client information is read from the registration request.
+TEST(ClientInformation, AnEmptyProductPathStaysEmpty) {
+    HostTesting::SetProductPath(GUserText());
+    EXPECT_TRUE(vanto::BuildClientInformation().productPath.empty());
+    HostTesting::UseDefaultProductPath();
 }
 
 } // namespace
