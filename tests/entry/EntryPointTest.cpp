@@ -148,10 +148,9 @@ TEST(Manager, HandsOutEachInterfaceAndRefusesOthers) {
               static_cast<void*>(manager.MockFileServices()));
 
     // A nested interface raises the manager's own count and reaches its siblings.
-    IVANTOFileServices* files = nullptr;
-    ASSERT_EQ(S_OK,
-              session->QueryInterface(IID_IVANTOFileServices, reinterpret_cast<void**>(&files)));
-    EXPECT_EQ(manager.FileServices(), files);
+    IVANTOFileServices* files =
+        testsupport::Query<IVANTOFileServices>(session, IID_IVANTOFileServices);
+    ASSERT_EQ(manager.FileServices(), files);
     EXPECT_EQ(2u, testsupport::RefCount(manager.Unknown()));
     EXPECT_EQ(1u, files->Release());
 }

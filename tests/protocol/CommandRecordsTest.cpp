@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -23,29 +22,6 @@ using TextList = Core::DynamicArray<Core::TevString>;
 
 template <class T> std::string Json() {
     return T().ToJson().str();
-}
-
-template <class T, class = void> struct Writes : std::false_type {};
-template <class T>
-struct Writes<T, std::void_t<decltype(std::declval<const T&>().ToJson())>> : std::true_type {};
-template <class T> constexpr bool Reads = std::is_constructible_v<T, const Core::TevString&>;
-
-// Only the direction a record travels in is offered. Of the outputs, only those that callers log
-// can be written; any other would write "Errors" alone.
-TEST(CommandRecords, RecordsReadOrWriteOnlyInTheirDirection) {
-    EXPECT_TRUE(Writes<CorvaneAddChildrenOutput>::value &&
-                Writes<CorvaneGetChildrenOutput>::value &&
-                Writes<CorvaneQueryPrimaryObjectsOutput>::value &&
-                Writes<CorvaneRemoveChildrenOutput>::value);
-    EXPECT_FALSE(Writes<Corvane::CommandIO::CommandOutputBase>::value ||
-                 Writes<CorvaneLockDesignRevisionsOutput>::value ||
-                 Writes<CorvaneQueryDesignRevisionsOutput>::value ||
-                 Writes<CorvaneSetDataObjectOutput>::value ||
-                 Writes<CorvaneGetSessionInfoOutput>::value || Writes<CorvaneLockInfo>::value ||
-                 Writes<CorvaneDataset>::value);
-    EXPECT_FALSE(Reads<CorvaneLockDesignRevisionsInput> || Reads<CorvaneDesignIdentifier> ||
-                 Reads<CorvaneSearchCriteria> || Reads<CorvaneFileUidAndContextInformationPair>);
-    EXPECT_TRUE(Reads<CorvaneContextInformation> && Writes<CorvaneContextInformation>::value);
 }
 
 // Every input as a caller builds it before filling it: the envelope, then every own key.

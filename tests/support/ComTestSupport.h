@@ -28,15 +28,18 @@ template <class Interface> Interface* Query(IUnknown* object, const IID& iid) {
     return found;
 }
 
-// Reaches the four interfaces of a manager as a host does and calls into the module's own code:
-// without a connector nothing is installed, while the mock always says it is.
+// Reaches the four interfaces of a manager as a host does, each from the one before, and calls
+// into the module's own code: without a connector nothing is installed, while the mock always
+// says it is.
 inline void CallEachInterface(IUnknown* manager) {
     IVANTOSession* session = Query<IVANTOSession>(manager, IID_IVANTOSession);
-    IVANTOSession* mockSession = Query<IVANTOSession>(manager, IID_IVANTOMockSession);
-    IUnknown* files = Query<IUnknown>(manager, IID_IVANTOFileServices);
-    IUnknown* mockFiles = Query<IUnknown>(manager, IID_IVANTOMockFileServices);
-    ASSERT_TRUE(session != nullptr && mockSession != nullptr && files != nullptr &&
-                mockFiles != nullptr);
+    ASSERT_NE(nullptr, session);
+    IVANTOSession* mockSession = Query<IVANTOSession>(session, IID_IVANTOMockSession);
+    ASSERT_NE(nullptr, mockSession);
+    IUnknown* files = Query<IUnknown>(mockSession, IID_IVANTOFileServices);
+    ASSERT_NE(nullptr, files);
+    IUnknown* mockFiles = Query<IUnknown>(files, IID_IVANTOMockFileServices);
+    ASSERT_NE(nullptr, mockFiles);
     EXPECT_FALSE(session->IsCorvaneInstalled());
     EXPECT_TRUE(mockSession->IsCorvaneInstalled());
     for (IUnknown* unknown :
