@@ -128,21 +128,13 @@ private:
 };
 
 // COM on this thread as a single-threaded apartment, as on the host's user-interface thread.
-class Apartment {
-public:
-    Apartment() : hr_(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+struct Apartment {
+    const HRESULT hr = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ~Apartment() {
-        if (SUCCEEDED(hr_)) {
+        if (SUCCEEDED(hr)) {
             ::CoUninitialize();
         }
     }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-
-    HRESULT Result() const { return hr_; }
-
-private:
-    HRESULT hr_;
 };
 
 IClassFactory* ClassObject() {
@@ -157,7 +149,7 @@ IClassFactory* ClassObject() {
 TEST(ComRuntime, LoadsCreatesAndUnloadsTheRegisteredComponent) {
     ASSERT_FALSE(ModuleLoaded()) << "the module must start unloaded in this process";
     const Apartment apartment;
-    ASSERT_EQ(S_OK, apartment.Result());
+    ASSERT_EQ(S_OK, apartment.hr);
     {
         const UserRegistration registration(ModuleNextToProgram());
         ASSERT_EQ(ERROR_SUCCESS, registration.Status());
