@@ -1,26 +1,27 @@
+// The entry points, the class factory and the manager's interface table, as a host meets them.
 #include "support/ComTestSupport.h"
 
 #include "host/HostLog.h"
+#include "os/DynamicLibrary.h"
 
 #include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
 
 namespace {
 
 constexpr IID IID_Unrelated = {
     0x12345678, 0x1234, 0x1234, {0x12, 0x34, 0x12, 0x34, 0x56, 0x78, 0x9a, 0xbc}};
 
-struct HResultReport {
-    HRESULT hr;
-    int line;
-};
-
-std::vector<HResultReport> Reports(const CapturingLogSink& log) {
-    std::vector<HResultReport> reports;
+// The failures reported to the host's log, as (result, line of the report).
+std::vector<std::pair<HRESULT, int>> Reports(const CapturingLogSink& log) {
+    std::vector<std::pair<HRESULT, int>> reports;
     for (const LogRecord& record : log.records) {
         if (record.kind == LogRecord::Kind::HResultError) {
             EXPECT_EQ("VANTO", record.file);
             EXPECT_EQ("DllGetClassObject", record.function);
-            reports.push_back({record.hr, record.line});
+            reports.emplace_back(record.hr, record.line);
         }
     }
     return reports;
@@ -38,23 +39,15 @@ TEST(DllGetClassObject, ChecksPointerThenInterfaceThenClass) {
     out = &log;
     EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, DllGetClassObject(IID_Unrelated, IID_IClassFactory, &out));
     EXPECT_EQ(nullptr, out);
-
-    const std::vector<HResultReport> reports = Reports(log);
-    ASSERT_EQ(3u, reports.size());
-    EXPECT_EQ(E_INVALIDARG, reports[0].hr);
-    EXPECT_EQ(93, reports[0].line);
-    EXPECT_EQ(E_NOINTERFACE, reports[1].hr);
-    EXPECT_EQ(99, reports[1].line);
-    EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, reports[2].hr);
-    EXPECT_EQ(105, reports[2].line);
+    EXPECT_EQ((std::vector<std::pair<HRESULT, int>>{
+                  {E_INVALIDARG, 93}, {E_NOINTERFACE, 99}, {CLASS_E_CLASSNOTAVAILABLE, 105}}),
+              Reports(log));
 }
 
 TEST(DllGetClassObject, HandsOutAFreshFactoryWithOneReference) {
     CapturingLogSink log;
-    IClassFactory* first = nullptr;
+    IClassFactory* first = testsupport::NewClassFactory();
     IUnknown* second = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&first)));
     ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IUnknown,
                                       reinterpret_cast<void**>(&second)));
     EXPECT_NE(static_cast<IUnknown*>(first), second);
@@ -66,24 +59,8 @@ TEST(DllGetClassObject, HandsOutAFreshFactoryWithOneReference) {
     EXPECT_TRUE(Reports(log).empty());
 }
 
-TEST(ClassFactory, QueryInterfaceLeavesOutputAloneForOtherInterfaces) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
-    void* out = &factory;
-    EXPECT_EQ(E_NOINTERFACE, factory->QueryInterface(IID_IVANTOSession, &out));
-    EXPECT_EQ(static_cast<void*>(&factory), out);
-    IUnknown* unknown = nullptr;
-    EXPECT_EQ(S_OK, factory->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&unknown)));
-    EXPECT_EQ(static_cast<IUnknown*>(factory), unknown);
-    EXPECT_EQ(1u, unknown->Release());
-    EXPECT_EQ(0u, factory->Release());
-}
-
-TEST(ClassFactory, CreatesManagersForEachInterface) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
+TEST(ClassFactory, CreatesManagersForEachInterfaceAndIsNoneOfThem) {
+    IClassFactory* factory = testsupport::NewClassFactory();
     for (const IID* iid : {&IID_IUnknown, &IID_IVANTOSession, &IID_IVANTOFileServices,
                            &IID_IVANTOMockSession, &IID_IVANTOMockFileServices}) {
         IUnknown* object = nullptr;
@@ -94,7 +71,15 @@ TEST(ClassFactory, CreatesManagersForEachInterface) {
     void* out = &factory;
     EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(nullptr, IID_IClassFactory, &out));
     EXPECT_EQ(nullptr, out);
-    factory->Release();
+
+    // Its own QueryInterface leaves the output alone for other interfaces.
+    out = &factory;
+    EXPECT_EQ(E_NOINTERFACE, factory->QueryInterface(IID_IVANTOSession, &out));
+    EXPECT_EQ(static_cast<void*>(&factory), out);
+    IUnknown* unknown = testsupport::Query<IUnknown>(factory, IID_IUnknown);
+    EXPECT_EQ(static_cast<IUnknown*>(factory), unknown);
+    EXPECT_EQ(1u, unknown->Release());
+    EXPECT_EQ(0u, factory->Release());
 }
 
 // An outer object that counts what the aggregated manager forwards to it.
@@ -119,9 +104,7 @@ public:
 };
 
 TEST(ClassFactory, AggregationAsksForTheInnerUnknownOnly) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
+    IClassFactory* factory = testsupport::NewClassFactory();
     Outer outer;
     void* out = &outer;
     EXPECT_EQ(E_NOINTERFACE, factory->CreateInstance(&outer, IID_IVANTOSession, &out));
@@ -165,30 +148,46 @@ TEST(Manager, HandsOutEachInterfaceAndRefusesOthers) {
               static_cast<void*>(manager.MockFileServices()));
 
     // A nested interface raises the manager's own count and reaches its siblings.
-    IVANTOFileServices* files = nullptr;
-    ASSERT_EQ(S_OK,
-              session->QueryInterface(IID_IVANTOFileServices, reinterpret_cast<void**>(&files)));
-    EXPECT_EQ(manager.FileServices(), files);
+    IVANTOFileServices* files =
+        testsupport::Query<IVANTOFileServices>(session, IID_IVANTOFileServices);
+    ASSERT_EQ(manager.FileServices(), files);
     EXPECT_EQ(2u, testsupport::RefCount(manager.Unknown()));
     EXPECT_EQ(1u, files->Release());
 }
 
-TEST(DllCanUnloadNow, FollowsLocksAndStaysBusyOnceAManagerHasGone) {
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                      reinterpret_cast<void**>(&factory)));
-    const HRESULT before = DllCanUnloadNow();
-    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
-    EXPECT_EQ(S_FALSE, DllCanUnloadNow());
-    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
-    EXPECT_EQ(before, DllCanUnloadNow());
+// The built module loaded as a host loads it, reached through its exports alone.
+TEST(ModuleLoad, ExportsOnlyTheEntryPointsAndReachesAllFourInterfaces) {
+    platform::os::DynamicLibrary module(VANTO_MODULE_PATH);
+    ASSERT_TRUE(module.IsLoaded()) << module.Error();
+    // Names of the component's own code must stay inside the module.
+    for (const char* hidden : {"LogMessage", "HRerrEx", "PDMWriteLog", "SetLogSink",
+                               "_ZN5vanto7SessionEv", "_Z7HRerrExiPKciS0_"}) {
+        EXPECT_EQ(nullptr, module.Symbol(hidden)) << hidden;
+    }
+    const auto getClassObject = module.Get<PFN_DllGetClassObject>("DllGetClassObject");
+    const auto canUnloadNow = module.Get<PFN_DllCanUnloadNow>("DllCanUnloadNow");
+    ASSERT_NE(nullptr, getClassObject);
+    ASSERT_NE(nullptr, canUnloadNow);
 
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(S_OK, getClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                   reinterpret_cast<void**>(&factory)));
+    // The module may not go while it is locked (a module loaded before in this process may have
+    // had a manager already) ...
+    const HRESULT before = canUnloadNow();
+    EXPECT_EQ(S_OK, factory->LockServer(TRUE));
+    EXPECT_EQ(S_FALSE, canUnloadNow());
+    EXPECT_EQ(S_OK, factory->LockServer(FALSE));
+    EXPECT_EQ(before, canUnloadNow());
     IUnknown* manager = nullptr;
     ASSERT_EQ(S_OK,
               factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&manager)));
-    factory->Release();
-    manager->Release();
-    EXPECT_EQ(S_FALSE, DllCanUnloadNow());
+    EXPECT_EQ(0u, factory->Release());
+
+    testsupport::CallEachInterface(manager);
+    EXPECT_EQ(0u, manager->Release());
+    // ... and never once a manager has gone.
+    EXPECT_EQ(S_FALSE, canUnloadNow());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Every file-service slot reaches the method of its name, which opens its scope record with that
-// name (all but IsFileSynchronized and LogErrors), whatever state the session is in.
+// name (all but IsFileSynchronized and LogErrors) and closes it before returning, whatever state
+// the session is in.
 #include "support/ComTestSupport.h"
 
 #include "host/HostLog.h"
@@ -7,19 +8,17 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <utility>
+
 namespace {
 
-std::vector<std::wstring> Tags(const std::wstring& prefix,
-                               std::initializer_list<const wchar_t*> names) {
-    std::vector<std::wstring> tags;
-    for (const wchar_t* name : names) {
-        tags.push_back(prefix + name);
-    }
-    return tags;
-}
-
-// Calls slots 3 to 29 in order, with arguments that touch nothing outside the test.
-void CallEverySlot(IVANTOFileServices* files) {
+TEST(FileServicesScopeRecords, EachSlotOpensAndClosesTheRecordOfItsMethod) {
+    vanto::ResetSessionStateForTesting();
+    testsupport::ManagerHandle manager;
+    IVANTOFileServices* files = manager.FileServices();
     FileCheckInList checkIns;
     FileLockStatusMap locks;
     PathMonitoredMap monitored;
@@ -38,78 +37,56 @@ void CallEverySlot(IVANTOFileServices* files) {
     RelationMap relations;
     std::uint32_t code = 0;
     const GUserText path(L"C:\\none\\part.par");
-
-    files->CheckIn(&checkIns);
-    files->CheckOut(&locks);
-    files->IsValidCorvaneFile(PathList{}, &monitored);
-    files->IsValidCorvaneFile(path);
-    files->GetStatusInformation(path, &status);
-    files->IsNewRevisionAvailable(path);
-    files->IsNewVersionAvailable(path);
-    files->GetCheckOutStatus(&locks, false);
-    files->DownloadLatestVersion(path);
-    files->AttachDocumentToRevision(RevisionAttachmentList{});
-    files->GetDocumentConsistencyStamp(&stamps);
-    files->IsFileSynchronized(path);
-    files->GetFilePath(&uids);
-    files->GetContextInformation(PathList{}, &contexts);
-    files->GetAvailableContainers(&containers, &containerStatus);
-    files->AddProjectToSync(GUserText(L"urn:none"), &containerStatus);
-    files->GetFileAccessPermissions(PathList{}, &permissions);
-    files->GenerateItemIDAndRevision(GUserText(), GUserText(), count, &ids);
-    files->GenerateNextRevisionID(path, &revision);
-    files->GetProperties(PathList{}, PropertyNameSet{}, &properties);
-    files->SetDataObject(GUserText(L"key"), GUserText(L"data"));
-    files->GetDesignRevisions(GUserText(L"part"), &names);
-    files->AddChildren(path, PathList{});
-    files->RemoveChildren(path, PathList{});
-    files->GetChildren(path, &relations);
-    files->GetCorvaneWUResults(PathList{}, &relations, false);
-    files->LogErrors(&code);
-}
-
-TEST(FileServicesScopeRecords, EachSlotOpensTheRecordOfItsMethod) {
-    vanto::ResetSessionStateForTesting();
-    testsupport::ManagerHandle manager;
+    // Slots 3 to 29 in order, with arguments that touch nothing outside the test.
+    const std::pair<const wchar_t*, std::function<void()>> calls[] = {
+        {L"CheckIn", [&] { files->CheckIn(&checkIns); }},
+        {L"CheckOut", [&] { files->CheckOut(&locks); }},
+        {L"IsValidCorvaneFile", [&] { files->IsValidCorvaneFile(PathList{}, &monitored); }},
+        {L"IsValidCorvaneFile", [&] { files->IsValidCorvaneFile(path); }},
+        {L"GetStatusInformation", [&] { files->GetStatusInformation(path, &status); }},
+        {L"IsNewRevisionAvailable", [&] { files->IsNewRevisionAvailable(path); }},
+        {L"IsNewVersionAvailable", [&] { files->IsNewVersionAvailable(path); }},
+        {L"GetCheckOutStatus", [&] { files->GetCheckOutStatus(&locks, false); }},
+        {L"DownloadLatestVersion", [&] { files->DownloadLatestVersion(path); }},
+        {L"AttachDocumentToRevision", [&] { files->AttachDocumentToRevision({}); }},
+        {L"GetDocumentConsistencyStamp", [&] { files->GetDocumentConsistencyStamp(&stamps); }},
+        {nullptr, [&] { files->IsFileSynchronized(path); }},
+        {L"GetFilePath", [&] { files->GetFilePath(&uids); }},
+        {L"GetContextInformation", [&] { files->GetContextInformation({}, &contexts); }},
+        {L"GetAvailableContainers",
+         [&] { files->GetAvailableContainers(&containers, &containerStatus); }},
+        {L"AddProjectToSync", [&] { files->AddProjectToSync(L"urn:none", &containerStatus); }},
+        {L"GetFileAccessPermissions", [&] { files->GetFileAccessPermissions({}, &permissions); }},
+        {L"GenerateItemIDAndRevision",
+         [&] { files->GenerateItemIDAndRevision(GUserText(), GUserText(), count, &ids); }},
+        {L"GenerateNextRevisionID", [&] { files->GenerateNextRevisionID(path, &revision); }},
+        {L"GetProperties", [&] { files->GetProperties({}, {}, &properties); }},
+        {L"SetDataObject", [&] { files->SetDataObject(L"key", L"data"); }},
+        {L"GetDesignRevisions", [&] { files->GetDesignRevisions(L"part", &names); }},
+        {L"AddChildren", [&] { files->AddChildren(path, {}); }},
+        {L"RemoveChildren", [&] { files->RemoveChildren(path, {}); }},
+        {L"GetChildren", [&] { files->GetChildren(path, &relations); }},
+        {L"GetCorvaneWUResults", [&] { files->GetCorvaneWUResults({}, &relations, false); }},
+        {nullptr, [&] { files->LogErrors(&code); }},
+    };
     CapturingLogSink log;
-    CallEverySlot(manager.FileServices());
-    EXPECT_EQ(Tags(L"VANTOManager::VANTOFileServices::", {L"CheckIn",
-                                                          L"CheckOut",
-                                                          L"IsValidCorvaneFile",
-                                                          L"IsValidCorvaneFile",
-                                                          L"GetStatusInformation",
-                                                          L"IsNewRevisionAvailable",
-                                                          L"IsNewVersionAvailable",
-                                                          L"GetCheckOutStatus",
-                                                          L"DownloadLatestVersion",
-                                                          L"AttachDocumentToRevision",
-                                                          L"GetDocumentConsistencyStamp",
-                                                          L"GetFilePath",
-                                                          L"GetContextInformation",
-                                                          L"GetAvailableContainers",
-                                                          L"AddProjectToSync",
-                                                          L"GetFileAccessPermissions",
-                                                          L"GenerateItemIDAndRevision",
-                                                          L"GenerateNextRevisionID",
-                                                          L"GetProperties",
-                                                          L"SetDataObject",
-                                                          L"GetDesignRevisions",
-                                                          L"AddChildren",
-                                                          L"RemoveChildren",
-                                                          L"GetChildren",
-                                                          L"GetCorvaneWUResults"}),
-              log.ScopesOpened());
-    // Every record opened is closed again before the call returns.
-    std::size_t open = 0;
-    for (const LogRecord& record : log.records) {
-        if (record.kind == LogRecord::Kind::ScopeOpen) {
-            ++open;
-        } else if (record.kind == LogRecord::Kind::ScopeClose) {
-            ASSERT_GT(open, 0u);
-            --open;
+    const auto records = [&log](LogRecord::Kind kind) {
+        return std::count_if(log.records.begin(), log.records.end(),
+                             [kind](const LogRecord& record) { return record.kind == kind; });
+    };
+    for (std::size_t slot = 0; slot < std::size(calls); ++slot) {
+        SCOPED_TRACE(slot + 3);
+        const auto& [method, call] = calls[slot];
+        log.Clear();
+        call();
+        std::vector<std::wstring> expected;
+        if (method != nullptr) {
+            expected.push_back(std::wstring(L"VANTOManager::VANTOFileServices::") + method);
         }
+        EXPECT_EQ(expected, log.ScopesOpened());
+        EXPECT_EQ(static_cast<std::ptrdiff_t>(expected.size()),
+                  records(LogRecord::Kind::ScopeClose));
     }
-    EXPECT_EQ(0u, open);
 }
 
 } // namespace

@@ -27,34 +27,31 @@ TEST(FormatLogText, NeverReadsPastItsArguments) {
     EXPECT_EQ(L"value (null)", FormatLogText(L"value %s", {nullptr}));
 }
 
-TEST(LogMessage, WritesOneMessageRecordWithTheComponentSource) {
+TEST(LogMessage, MessagesAndScopeRecordsCarryTheComponentSource) {
     CapturingLogSink log;
     LogMessage(nullptr, vanto::SeverityWarning, GUserText(L"Corvane RootFolder is : %s "),
                GUserText(L"C:\\Corvane"));
-    ASSERT_EQ(1u, log.records.size());
-    const LogRecord& record = log.records[0];
-    EXPECT_EQ(LogRecord::Kind::Message, record.kind);
-    EXPECT_EQ(1, record.logType);
-    EXPECT_EQ(L"VANTO", record.source);
-    EXPECT_EQ(1, record.severity);
-    EXPECT_EQ(L"Corvane RootFolder is : C:\\Corvane ", record.message);
-}
-
-TEST(LogMessage, ScopeRecordsOpenAndCloseAroundEveryPath) {
-    CapturingLogSink log;
     {
         const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOSession::IsConnected");
-        EXPECT_EQ(1u, log.records.size());
+        EXPECT_EQ(2u, log.records.size());
     }
-    ASSERT_EQ(2u, log.records.size());
+    ASSERT_EQ(3u, log.records.size());
+    const LogRecord& message = log.records[0];
+    EXPECT_EQ(LogRecord::Kind::Message, message.kind);
+    EXPECT_EQ(1, message.logType);
+    EXPECT_EQ(1, message.severity);
+    EXPECT_EQ(L"Corvane RootFolder is : C:\\Corvane ", message.message);
+    // The scope record is opened and closed again, both with log type 0 and severity 2.
+    EXPECT_EQ(LogRecord::Kind::ScopeOpen, log.records[1].kind);
+    EXPECT_EQ(LogRecord::Kind::ScopeClose, log.records[2].kind);
+    for (std::size_t i = 1; i < 3; ++i) {
+        EXPECT_EQ(0, log.records[i].logType);
+        EXPECT_EQ(2, log.records[i].severity);
+        EXPECT_EQ(L"VANTOManager::VANTOSession::IsConnected", log.records[i].message);
+    }
     for (const LogRecord& record : log.records) {
-        EXPECT_EQ(0, record.logType);
         EXPECT_EQ(L"VANTO", record.source);
-        EXPECT_EQ(L"VANTOManager::VANTOSession::IsConnected", record.message);
-        EXPECT_EQ(2, record.severity);
     }
-    EXPECT_EQ(LogRecord::Kind::ScopeOpen, log.records[0].kind);
-    EXPECT_EQ(LogRecord::Kind::ScopeClose, log.records[1].kind);
 }
 
 } // namespace

@@ -1,12 +1,40 @@
-// The mock session and file services as a host sees them, answered from the input file.
-#include "mock/MockFixture.h"
-
+// The mock session and file services as a host sees them, answered from the input file, and the
+// input files a host may find at the fixed path: none, empty, broken, hostile or very large. Each
+// test gets its own drive Z:, a fresh mock store and a manager made as a host makes it.
 #include "host/GUserFileName.h"
 #include "host/HostLog.h"
+#include "mock/MockStore.h"
+#include "support/ComTestSupport.h"
+#include "support/DriveRoot.h"
+
+#include <filesystem>
+#include <string>
 
 namespace {
 
-using testsupport::MockTest;
+using testsupport::ManagerHandle;
+using testsupport::ScopedDriveRoot;
+using vanto::mock::DeepestNesting;
+
+class MockTest : public ::testing::Test {
+protected:
+    MockTest() {
+        std::error_code ignored;
+        std::filesystem::remove(ScopedDriveRoot::Native(vanto::mock::InputFilePath), ignored);
+        vanto::mock::ResetMockStateForTesting();
+    }
+    ~MockTest() override { vanto::mock::ResetMockStateForTesting(); }
+
+    void WriteInput(const std::string& xml) { drive.Write(vanto::mock::InputFilePath, xml); }
+
+    // The store as the mock sees it: read on first use.
+    static const vanto::mock::MockStore& Store() { return *vanto::mock::Store(); }
+
+    ScopedDriveRoot drive;
+    ManagerHandle manager;
+    IVANTOSession* session = manager.MockSession();
+    IVANTOFileServices* files = manager.MockFileServices();
+};
 
 const char* const Sample = R"(<?xml version="1.0"?>
 <xml>
@@ -20,11 +48,12 @@ const char* const Sample = R"(<?xml version="1.0"?>
   </Files>
 </xml>)";
 
-TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
+TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecordsAndTheRootFolderIsMade) {
     WriteInput(Sample);
     drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
+    ASSERT_FALSE(GUserFileName(GUserText(L"Z:\\PDM\\VANTO\\Root")).Exists());
     CapturingLogSink log;
-    RootFolderSet roots;
+    RootFolderSet roots{GUserText(L"C:\\Existing")};
     LoggedInUserInfo user;
     FileCheckInList items;
     FileLockStatusMap locks;
@@ -39,7 +68,11 @@ TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
     session->DeRegisterFromCorvane();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(GUserText(L"kept"), info.authenticatedUserName);
-    session->GetRootFolders(&roots);
+    // The root folder is created and added to the caller's set; once there, it is fine.
+    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
+    EXPECT_EQ((RootFolderSet{L"C:\\Existing", L"Z:\\PDM\\VANTO\\Root"}), roots);
+    EXPECT_TRUE(std::filesystem::is_directory(drive.Native(L"Z:\\PDM\\VANTO\\Root")));
+    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
     session->GetCurrentLoggedInUserInfo(&user);
     files->CheckIn(&items);
     files->CheckOut(&locks);
@@ -53,19 +86,6 @@ TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecords) {
     EXPECT_EQ(
         (std::vector<std::wstring>{tag + L"AttachDocumentToRevision", tag + L"IsFileSynchronized"}),
         log.ScopesOpened());
-}
-
-TEST_F(MockTest, RootFolderIsCreatedAndAddedToTheCallersSet) {
-    WriteInput(Sample);
-    drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
-    const GUserFileName root(GUserText(L"Z:\\PDM\\VANTO\\Root"));
-    ASSERT_FALSE(root.Exists());
-    RootFolderSet roots{GUserText(L"C:\\Existing")};
-    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
-    EXPECT_EQ((RootFolderSet{L"C:\\Existing", L"Z:\\PDM\\VANTO\\Root"}), roots);
-    EXPECT_TRUE(std::filesystem::is_directory(drive.Native(L"Z:\\PDM\\VANTO\\Root")));
-    ASSERT_EQ(S_OK, session->GetRootFolders(&roots)); // an existing folder is fine
-    EXPECT_TRUE(root.Exists());
 }
 
 int g_userReads = 0;
@@ -88,7 +108,7 @@ TEST_F(MockTest, LogonUserIsReadOncePerProcessIntoBothTexts) {
     EXPECT_EQ(GUserText(L"kept@example.com"), first.email);
 
     g_userName = L"someone-else";
-    testsupport::ManagerHandle other;
+    ManagerHandle other;
     LoggedInUserInfo second;
     ASSERT_EQ(S_OK, other.MockSession()->GetCurrentLoggedInUserInfo(&second));
     EXPECT_EQ(GUserText(L"jdoe"), second.loginName);
@@ -112,14 +132,11 @@ TEST_F(MockTest, StatusLooksFilesUpIgnoringCaseAndTheFirstEntryWins) {
     EXPECT_TRUE(untouched.isCheckedOutByMe);
     EXPECT_EQ(2u, Store().files.size());
     EXPECT_EQ(GUserText(L"alice"), Store().projects.at(L"Gearbox").owner);
-}
 
-TEST_F(MockTest, ValidFilesBeginWithTheRootFolderAsWritten) {
-    WriteInput(Sample);
+    // Valid files begin with the root folder as written.
     EXPECT_TRUE(files->IsValidCorvaneFile(GUserText(L"Z:\\PDM\\VANTO\\Root\\not-there.par")));
     EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"z:\\pdm\\vanto\\root\\bracket.par")));
     EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"Z:\\PDM\\VANTO\\Roo")));
-
     PathMonitoredMap monitored{{L"C:\\kept.par", true}};
     const PathList paths{L"Z:\\PDM\\VANTO\\Root\\a.par", L"C:\\kept.par", L"C:\\b.par"};
     ASSERT_EQ(S_OK, files->IsValidCorvaneFile(paths, &monitored));
@@ -127,12 +144,6 @@ TEST_F(MockTest, ValidFilesBeginWithTheRootFolderAsWritten) {
                                 {L"C:\\kept.par", true},
                                 {L"C:\\b.par", false}}),
               monitored);
-}
-
-TEST_F(MockTest, NoRootFolderMakesNoFileValid) {
-    WriteInput("<xml><Files><F><FileName>Z:\\a.par</FileName></F></Files></xml>");
-    EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"Z:\\a.par")));
-    EXPECT_FALSE(files->IsValidCorvaneFile(GUserText()));
 }
 
 TEST_F(MockTest, CheckInAndCheckOutLeaveTheCallersItemsAsTheyCame) {
@@ -177,6 +188,160 @@ TEST_F(MockTest, ItemResultsFollowTheFlagsAndErrorCodeNames) {
     EXPECT_FALSE(checkedOut(L"C").isCheckedOut);
     EXPECT_EQ(GUserText(L"bob"), checkedOut(L"C").checkedOutBy);
     EXPECT_TRUE(checkedOut(L"d").isCheckedOut);
+}
+
+// Input files that are missing or broken leave the store empty or with what was taken over;
+// nothing is reported and nothing crashes.
+
+constexpr HRESULT ElementNotFound = static_cast<HRESULT>(0x80070490);
+
+std::string Nested(std::size_t levels, const std::string& open, const std::string& close,
+                   const std::string& inner = "") {
+    std::string opens, closes;
+    for (std::size_t i = 0; i < levels; ++i) {
+        opens += open;
+        closes += close;
+    }
+    return opens + inner + closes;
+}
+
+std::string WithFile(const std::string& inside) {
+    return "<xml><RootFolder>Z:\\R</RootFolder><Files><F>" + inside + "</F></Files></xml>";
+}
+
+class MockInputTest : public MockTest {
+protected:
+    // Reads `xml` as the input file in a fresh store; true when the store took nothing over.
+    bool ReadsAsEmpty(const std::string& xml) {
+        vanto::mock::ResetMockStateForTesting();
+        WriteInput(xml);
+        CapturingLogSink log;
+        FileCheckInList items;
+        const bool empty = files->CheckIn(&items) == ElementNotFound &&
+                           !files->IsValidCorvaneFile(GUserText(L"Z:\\R\\a.par")) &&
+                           Store().rootFolder.IsEmpty() && Store().userName.IsEmpty();
+        EXPECT_TRUE(log.records.empty());
+        return empty;
+    }
+};
+
+TEST_F(MockInputTest, MissingEmptyAndMalformedFilesGiveAnEmptyStore) {
+    RootFolderSet roots;
+    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
+    EXPECT_EQ(RootFolderSet{GUserText()}, roots);
+    // A file that appears later is not read.
+    WriteInput(WithFile("<FileName>Z:\\R\\a.par</FileName>"));
+    EXPECT_EQ(ElementNotFound, files->CheckOut(nullptr));
+
+    for (const std::string& xml :
+         {std::string(), std::string("\xEF\xBB\xBF"), std::string("not xml at all"),
+          std::string("<xml><RootFolder>Z:\\R</RootFolder>"), // never closed
+          std::string("<xml><RootFolder>Z:\\R</RootFolder></xml"),
+          std::string("<xml a=b><RootFolder>Z:\\R</RootFolder></xml>"),
+          std::string("<XML><RootFolder>Z:\\R</RootFolder></XML>"), // another case
+          std::string("<xml><RootFolder>Z:\\R&#1114112;</RootFolder></xml>"),
+          std::string("<xml><RootFolder>Z:\\R</RootFolder></xml><"),
+          std::string("<xml>") + '\0' + "<RootFolder>Z:\\R</RootFolder></xml>"}) {
+        SCOPED_TRACE(xml);
+        EXPECT_TRUE(ReadsAsEmpty(xml));
+    }
+}
+
+TEST_F(MockInputTest, UnknownAndOtherCaseElementsAreIgnoredAtEveryLevel) {
+    WriteInput(R"(<?xml version="1.0"?><!-- made by hand --><xml version="2">
+        <Unknown><RootFolder>Z:\Wrong</RootFolder></Unknown>
+        <rootfolder>Z:\lower</rootfolder>
+        <RootFolder>Z:\R<Extra>ignored</Extra></RootFolder>
+        <RootFolder>Z:\Second</RootFolder>
+        <files><F><FileName>Z:\R\lower.par</FileName></F></files>
+        <Files kind="parts">
+          <!-- a comment is no file -->
+          <Anything><FileName>Z:\R\a.par</FileName><Colour>red</Colour>
+            <checkedoutby>x</checkedoutby><CheckedOutBy>bob</CheckedOutBy></Anything>
+          <F><filename>Z:\R\b.par</filename></F>
+        </Files>
+      </xml>)");
+    EXPECT_EQ(GUserText(L"Z:\\R"), Store().rootFolder);
+    ASSERT_EQ(2u, Store().files.size());
+    EXPECT_EQ(GUserText(L"bob"), Store().files.at(L"Z:\\R\\a.par").checkedOutBy);
+    // An entry without a FileName element is kept under an empty name.
+    EXPECT_EQ(1u, Store().files.count(GUserText()));
+}
+
+TEST_F(MockInputTest, TheReadersLeniencyAndEntitiesStayHarmless) {
+    WriteInput(R"(<!DOCTYPE xml [ <!ENTITY a "&b;&b;&b;"> <!ENTITY b "lol"> ]>
+      <xml><RootFolder>Z:\R</Mismatched>
+        <OrbexUserName>&a;&amp;&#x41;&#0;hidden</OrbexUserName>
+        <Files>
+          <F><FileName>Z:\R\a.par&#0;.exe</FileName><CheckedOutBy>&#xD800;&lt;x&gt;</CheckedOutBy></F>
+          <F><FileName><![CDATA[Z:\R\<b>.par]]></FileName></F>
+        </Files></xml>)");
+    EXPECT_EQ(GUserText(L"Z:\\R"), Store().rootFolder);
+    // Unknown entities pass through as text; a NUL ends the text.
+    EXPECT_EQ(GUserText(L"&a;&A"), Store().userName);
+    ASSERT_EQ(2u, Store().files.size());
+    // A lone surrogate becomes replacement characters.
+    const std::wstring& holder = Store().files.at(L"Z:\\R\\a.par").checkedOutBy.wstr();
+    ASSERT_LE(4u, holder.size());
+    EXPECT_EQ(L'\xFFFD', holder.front());
+    EXPECT_EQ(L"<x>", holder.substr(holder.size() - 3));
+    EXPECT_EQ(1u, Store().files.count(L"Z:\\R\\<b>.par"));
+}
+
+TEST_F(MockInputTest, DeepNestingIsRefusedBeforeTheReaderRuns) {
+    const std::string deep = Nested(100000, "<n>", "</n>");
+    EXPECT_TRUE(ReadsAsEmpty(WithFile("<FileName>Z:\\R\\a.par</FileName>" + deep)));
+    EXPECT_TRUE(ReadsAsEmpty(WithFile(Nested(100000, "<n>", ""))));
+    // Within the limit the file is read as usual.
+    vanto::mock::ResetMockStateForTesting();
+    WriteInput(WithFile("<FileName>Z:\\R\\a.par</FileName>" + Nested(200, "<n>", "</n>")));
+    EXPECT_EQ(S_OK, files->CheckIn(nullptr));
+}
+
+TEST(InputNesting, CountsTheLevelsTheReaderOpens) {
+    EXPECT_EQ(0u, DeepestNesting(""));
+    EXPECT_EQ(256u, DeepestNesting(Nested(256, "<a>", "</a>")));
+    // Siblings, empty elements, attributes and mismatched closing tags as the reader sees them.
+    EXPECT_EQ(4u, DeepestNesting(Nested(3, "<a>", "</a>", Nested(1000, "<b/><c></c>", ""))));
+    EXPECT_EQ(6u, DeepestNesting(Nested(3, "<a x='>' y = \"<b>\">", "</zz >") +
+                                 Nested(6, "<?x?><a>", "</a>")));
+    // Closing tags hidden where the reader sees no markup do not lower the count, and a file
+    // that ends while elements are open has still been nested that deep.
+    for (const std::string& hidden :
+         {std::string("<!-- </a></a> -->"), std::string("<![CDATA[</a></a>]]>"),
+          std::string("<?pi </a></a> ?>"), std::string("<?></a></a>?>"),
+          std::string("<a t='</a></a>'/>"), std::string("<!DOCTYPE x [ <!ENTITY e '</a></a>'> ]>"),
+          std::string("<!x '</a'>")}) {
+        SCOPED_TRACE(hidden);
+        EXPECT_EQ(6u, DeepestNesting("<r><r><r>" + hidden + "<a><a><a>"));
+    }
+    // Quotes in a name are part of the name.
+    EXPECT_EQ(4u, DeepestNesting(Nested(4, "<a\">", "") + "\""));
+    // Where the reader stops with an error, so does the count.
+    EXPECT_EQ(1u, DeepestNesting("<a><!-- <b><c>"));
+    EXPECT_EQ(1u, DeepestNesting("<a><b c='><d><e>"));
+    EXPECT_EQ(1u, DeepestNesting("<a></a></a><b><c>"));
+    EXPECT_EQ(0u, DeepestNesting("x<a><b>"));
+    EXPECT_EQ(0u, DeepestNesting("< a><b>"));
+    EXPECT_EQ(2u, DeepestNesting(std::string("<a><b>\0<c><d>", 13)));
+}
+
+TEST_F(MockInputTest, AHundredThousandFilesAreRead) {
+    std::string xml = "<xml><RootFolder>Z:\\R</RootFolder><Files>";
+    for (int i = 0; i < 100000; ++i) {
+        xml += "<F><FileName>Z:\\R\\f" + std::to_string(i % 99990) + ".par</FileName>";
+        if (i % 99990 == 5) {
+            xml += "<CheckedOutBy>u" + std::to_string(i) + "</CheckedOutBy>";
+        }
+        xml += "</F>";
+    }
+    xml += "</Files></xml>";
+    WriteInput(xml);
+    FileStatusInformation status;
+    ASSERT_EQ(S_OK, files->GetStatusInformation(L"z:\\r\\F5.PAR", &status));
+    EXPECT_EQ(GUserText(L"u5"), status.checkedOutBy);
+    EXPECT_EQ(99990u, Store().files.size());
+    EXPECT_EQ(1u, Store().files.count(L"Z:\\R\\f99989.par"));
 }
 
 } // namespace

@@ -2,12 +2,12 @@
 #include "protocol/commands/DataManagementCommands.h"
 #include "protocol/commands/GenericCommands.h"
 #include "protocol/commands/MCADCommands.h"
+#include "protocol/registration/Registration.h"
 #include "protocol/registration/SessionOutputs.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -20,80 +20,44 @@ using namespace Corvane::DataTypes;
 using namespace Corvane::DataTypes::Search;
 using TextList = Core::DynamicArray<Core::TevString>;
 
-template <class T> std::string Empty() {
+template <class T> std::string Json() {
     return T().ToJson().str();
-}
-
-template <class T, class = void> struct Writes : std::false_type {};
-template <class T>
-struct Writes<T, std::void_t<decltype(std::declval<const T&>().ToJson())>> : std::true_type {};
-template <class T> constexpr bool Reads = std::is_constructible_v<T, const Core::TevString&>;
-
-// Only the direction a record travels in is offered. Of the outputs, only those that callers log
-// can be written; any other would write "Errors" alone.
-TEST(CommandRecords, RecordsReadOrWriteOnlyInTheirDirection) {
-    EXPECT_TRUE(Writes<CorvaneAddChildrenOutput>::value &&
-                Writes<CorvaneGetChildrenOutput>::value &&
-                Writes<CorvaneQueryPrimaryObjectsOutput>::value &&
-                Writes<CorvaneRemoveChildrenOutput>::value);
-    EXPECT_FALSE(Writes<Corvane::CommandIO::CommandOutputBase>::value ||
-                 Writes<CorvaneLockDesignRevisionsOutput>::value ||
-                 Writes<CorvaneQueryDesignRevisionsOutput>::value ||
-                 Writes<CorvaneSetDataObjectOutput>::value ||
-                 Writes<CorvaneGetSessionInfoOutput>::value || Writes<CorvaneLockInfo>::value ||
-                 Writes<CorvaneDataset>::value);
-    EXPECT_FALSE(Reads<CorvaneLockDesignRevisionsInput> || Reads<CorvaneDesignIdentifier> ||
-                 Reads<CorvaneSearchCriteria> || Reads<CorvaneFileUidAndContextInformationPair>);
-    EXPECT_TRUE(Reads<CorvaneContextInformation> && Writes<CorvaneContextInformation>::value);
 }
 
 // Every input as a caller builds it before filling it: the envelope, then every own key.
 TEST(CommandRecords, EveryInputWritesItsCommandAndAllItsKeys) {
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {Empty<CorvaneLockDesignRevisionsInput>(),
-         R"("LOCKDESIGNREVISIONS","SessionId":"","Version":1,"DesignIdentifiers":[],"TimeToLive":0})"},
-        {Empty<CorvaneUnLockDesignRevisionsInput>(),
-         R"("UNLOCKDESIGNREVISIONS","SessionId":"","Version":1,"DesignIdentifiers":[]})"},
-        {Empty<CorvaneQueryDesignRevisionsInput>(),
-         R"("QUERYDESIGNREVISIONS","SessionId":"","Version":1,"Operator":0})"},
-        {Empty<CorvaneQueryPrimaryObjectsInput>(),
-         R"("QUERYPRIMARYOBJECTS","SessionId":"","Version":1,"Identifier":"","IdentifierType":0,)"
-         R"("RelationTypes":[]})"},
-        {Empty<CorvaneGetNextIdInput>(),
-         R"("GETNEXTID","SessionId":"","Version":1,"FileExtension":"","NumberOfIds":0,)"
-         R"("GetInitialRevId":false,"Properties":[],"DirectoryPath":""})"},
-        {Empty<CorvaneGetNextRevisionIdInput>(),
-         R"("GETNEXTREVISIONID","SessionId":"","Version":1,"DesignRevisionIdentifiers":[],)"
-         R"("Properties":[]})"},
-        {Empty<CorvaneAddChildrenInput>(),
-         R"("ADDCHILDREN","SessionId":"","Version":1,"ParentChildRelationInfos":[]})"},
-        {Empty<CorvaneGetChildrenInput>(),
-         R"("GETCHILDREN","SessionId":"","Version":1,"Identifier":"","IdentifierType":0})"},
-        {Empty<CorvaneRemoveChildrenInput>(),
-         R"("REMOVECHILDREN","SessionId":"","Version":1,"RelationURNs":[]})"},
-        {Empty<CorvaneGetFileContextInformationInput>(),
-         R"("GETFILECONTEXTINFO","SessionId":"","Version":1,"Files":[]})"},
-        {Empty<CorvaneGetFilePathByUidInput>(),
-         R"("GETFILEPATHBYUID","SessionId":"","Version":1,"ListOfFileUidAndContextInformation":[]})"},
-        {Empty<CorvaneCheckNewerVersionOnCloudInput>(),
-         R"("CHECKFORNEWERVERSION","SessionId":"","Version":1,"IdentifierToCheckForNewerVersion":[],)"
-         R"("IdentifierType":0})"},
-        {Empty<CorvaneGetPropertiesInput>(),
-         R"("GETPROPERTIES","SessionId":"","Version":1,"FilePathToObjectTypesArray":[]})"},
-        {Empty<CorvaneGetAvailableContainersInput>(),
-         R"("GETAVAILABLECONTAINERS","SessionId":"","Version":1,"Name":"","ContainerType":[],)"
-         R"("ReturnUnsynched":false})"},
-        {Empty<CorvaneAddProjectToSyncInput>(),
-         R"("ADDPROJECTTOSYNC","SessionId":"","Version":1,"ProjectURN":""})"},
-        {Empty<CorvaneGetAccessPermissionsInput>(),
-         R"("GETACCESSPERMISSIONS","SessionId":"","Version":1,"Paths":[]})"},
-        {Empty<CorvaneIsPathMonitoredInput>(),
-         R"("ISPATHMONITORED","SessionId":"","Version":1,"Paths":[]})"},
-        {Empty<CorvaneSetDataObjectInput>(),
-         R"("SETDATAOBJECT","SessionId":"","Version":1,"Data":""})"},
+    const std::string cases[][3] = {
+        {Json<CorvaneLockDesignRevisionsInput>(), "LOCKDESIGNREVISIONS",
+         R"("DesignIdentifiers":[],"TimeToLive":0)"},
+        {Json<CorvaneUnLockDesignRevisionsInput>(), "UNLOCKDESIGNREVISIONS",
+         R"("DesignIdentifiers":[])"},
+        {Json<CorvaneQueryDesignRevisionsInput>(), "QUERYDESIGNREVISIONS", R"("Operator":0)"},
+        {Json<CorvaneQueryPrimaryObjectsInput>(), "QUERYPRIMARYOBJECTS",
+         R"("Identifier":"","IdentifierType":0,"RelationTypes":[])"},
+        {Json<CorvaneGetNextIdInput>(), "GETNEXTID",
+         R"("FileExtension":"","NumberOfIds":0,"GetInitialRevId":false,"Properties":[],)"
+         R"("DirectoryPath":"")"},
+        {Json<CorvaneGetNextRevisionIdInput>(), "GETNEXTREVISIONID",
+         R"("DesignRevisionIdentifiers":[],"Properties":[])"},
+        {Json<CorvaneAddChildrenInput>(), "ADDCHILDREN", R"("ParentChildRelationInfos":[])"},
+        {Json<CorvaneGetChildrenInput>(), "GETCHILDREN", R"("Identifier":"","IdentifierType":0)"},
+        {Json<CorvaneRemoveChildrenInput>(), "REMOVECHILDREN", R"("RelationURNs":[])"},
+        {Json<CorvaneGetFileContextInformationInput>(), "GETFILECONTEXTINFO", R"("Files":[])"},
+        {Json<CorvaneGetFilePathByUidInput>(), "GETFILEPATHBYUID",
+         R"("ListOfFileUidAndContextInformation":[])"},
+        {Json<CorvaneCheckNewerVersionOnCloudInput>(), "CHECKFORNEWERVERSION",
+         R"("IdentifierToCheckForNewerVersion":[],"IdentifierType":0)"},
+        {Json<CorvaneGetPropertiesInput>(), "GETPROPERTIES", R"("FilePathToObjectTypesArray":[])"},
+        {Json<CorvaneGetAvailableContainersInput>(), "GETAVAILABLECONTAINERS",
+         R"("Name":"","ContainerType":[],"ReturnUnsynched":false)"},
+        {Json<CorvaneAddProjectToSyncInput>(), "ADDPROJECTTOSYNC", R"("ProjectURN":"")"},
+        {Json<CorvaneGetAccessPermissionsInput>(), "GETACCESSPERMISSIONS", R"("Paths":[])"},
+        {Json<CorvaneIsPathMonitoredInput>(), "ISPATHMONITORED", R"("Paths":[])"},
+        {Json<CorvaneSetDataObjectInput>(), "SETDATAOBJECT", R"("Data":"")"},
     };
-    for (const auto& [written, tail] : cases) {
-        EXPECT_EQ(R"({"Command":)" + tail, written);
+    for (const auto& [written, command, keys] : cases) {
+        EXPECT_EQ(R"({"Command":")" + command + R"(","SessionId":"","Version":1,)" + keys + "}",
+                  written);
     }
 }
 
@@ -123,6 +87,10 @@ TEST(CommandRecords, NestedRecordsAreWrittenOnlyWhenPresent) {
               R"("ContainerType":"","ContainerId":"","ContainerURN":"urn:p"}})",
               pair.ToJson().str());
     EXPECT_EQ("{}", CorvaneSearchCriteria().ToJson().str());
+    Core::Registration::RegisterClientInput registration;
+    registration.ProcessId = 42;
+    EXPECT_EQ(R"({"ProcessId":42,"ProcessStartTime":"","FilePath":""})",
+              registration.ToJson().str());
 }
 
 TEST(CommandRecords, QueryInputNestsCriteriaWithTheConnectorsSpelling) {
@@ -245,9 +213,11 @@ TEST(CommandRecords, PairListsKeepTheAnswersOrder) {
     EXPECT_TRUE(newer.IdentifierToHasNewerVersionInCloud[0]->Value);
     EXPECT_FALSE(newer.IdentifierToHasNewerVersionInCloud[1]->Value);
 
-    const CorvaneRemoveChildrenOutput removed(R"({"Errors":[{"ErrorCode":5}],"Extra":[1,{}]})");
-    ASSERT_EQ(1U, removed.Errors.size());
-    EXPECT_EQ(R"({"Errors":[{"ErrorCode":5,"Ids":[]}]})", removed.ToJson().str());
+    // Errors: missing keys read as defaults, written back in full.
+    const CorvaneRemoveChildrenOutput removed(
+        R"({"Errors":[{"ErrorCode":5,"Ids":["a","b"]},{"Ids":["c"]}],"Extra":[1,{}]})");
+    EXPECT_EQ(R"({"Errors":[{"ErrorCode":5,"Ids":["a","b"]},{"ErrorCode":0,"Ids":["c"]}]})",
+              removed.ToJson().str());
 }
 
 } // namespace

@@ -4,13 +4,14 @@
 #include "host/HostLog.h"
 #include "host/HostUtil.h"
 #include "os/Os.h"
+#include "session/ClientInformation.h"
 #include "session/SessionState.h"
 #include "support/ComTestSupport.h"
 
-#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,29 +19,37 @@
 namespace {
 
 using Corvane::FakeConnector;
+using Op = FakeConnector::Operation;
+using Failure = FakeConnector::Failure;
 using Line = std::pair<int, std::wstring>;
+using Lines = std::vector<Line>;
+using Texts = std::vector<std::string>;
+using Tags = std::vector<std::wstring>;
 
+constexpr const wchar_t* ModeOn = L"Corvane mode is ON.";
 constexpr const wchar_t* NotValid = L"Corvane session is not a valid session.";
-constexpr const wchar_t* ExecutePrefix =
-    L"Corvane session is not a valid session - exception from Execute call : ";
 constexpr const wchar_t* Deregistering = L"Deregistering from Corvane";
-constexpr const wchar_t* NothingToDo = L"App was not registered with Corvane when "
-                                       L"DeRegisterFromCorvane was called so nothing to do.";
-constexpr const char* SessionInfoAnswer =
-    R"({"Errors":[],"AuthenticatedUserName":"ann","CorvaneLogPath":"/logs/corvane.log",)"
-    R"("CloudGatewayLogPath":"/logs/gateway.log","UserEmail":"ann@example.com","IsLoggedIn":true})";
+constexpr const wchar_t* Deregistered = L"Deregistered from Corvane";
 
-// The method-scope tag of a session method.
-std::wstring Tag(const wchar_t* method) {
-    return std::wstring(L"VANTOManager::VANTOSession::") + method;
+// The error line of a failed proxy call.
+Line Failed(const wchar_t* what) {
+    return {0, std::wstring(L"Corvane session is not a valid session - exception from Execute "
+                            L"call : ") +
+                   what};
 }
 
-std::wstring Wide(const std::string& text) {
-    return GUserText(std::string_view(text)).wstr();
+// The method-scope tags of session methods.
+Tags Scopes(std::initializer_list<const wchar_t*> methods) {
+    Tags tags;
+    for (const wchar_t* method : methods) {
+        tags.push_back(std::wstring(L"VANTOManager::VANTOSession::") + method);
+    }
+    return tags;
 }
 
-boost::json::object Json(const std::string& text) {
-    return boost::json::parse(text).as_object();
+// A bare session command as sent with the granted session id.
+std::string Bare(const std::string& command) {
+    return R"({"Command":")" + command + R"(","SessionId":"s-1"})";
 }
 
 std::wstring StoredRootFolder() {
@@ -53,38 +62,49 @@ protected:
     void SetUp() override {
         vanto::ResetSessionStateForTesting();
         HostTesting::ClearUserValues();
-        HostTesting::SetProductPath(GUserText(L"/opt/arbo"));
+        HostTesting::SetProductPath(GUserText(L"/opt/Arbo \u00c9dition"));
+        HostTesting::SetMajorVersion(2026);
         previousSleep_ =
             platform::os::SetSleepHook([this](std::uint32_t ms) { sleeps.push_back(ms); });
         connector.registerAnswer = R"({"SessionId":"s-1"})";
-        connector.Answer("GETSESSIONINFO", SessionInfoAnswer);
+        connector.Answer("GETSESSIONINFO", R"({"Errors":[],"AuthenticatedUserName":"ann",)"
+                                           R"("CorvaneLogPath":"/logs/corvane.log",)"
+                                           R"("CloudGatewayLogPath":"/logs/gateway.log",)"
+                                           R"("UserEmail":"ann@example.com","IsLoggedIn":true})");
     }
     void TearDown() override {
         platform::os::SetSleepHook(previousSleep_);
         HostTesting::UseDefaultProductPath();
+        HostTesting::SetMajorVersion(2024);
         HostTesting::ClearUserValues();
         vanto::ResetSessionStateForTesting();
     }
 
-    // Free-text messages as (severity, text), in order.
-    std::vector<Line> Lines() const {
-        std::vector<Line> lines;
+    // Free-text messages as (severity, text), in order; the log is cleared.
+    Lines Take() {
+        Lines lines;
         for (const LogRecord& record : log.records) {
             if (record.kind == LogRecord::Kind::Message) {
                 lines.emplace_back(record.severity, record.message);
             }
         }
+        log.Clear();
         return lines;
     }
     Line RegisterInputLine(std::size_t index = 0) const {
-        return {2,
-                L"Corvane register input : " + Wide(connector.registerRequests.at(index)) + L" "};
+        const std::string& sent = connector.registerRequests.at(index);
+        return {2, L"Corvane register input : " + GUserText(std::string_view(sent)).wstr() + L" "};
     }
-    static std::vector<Line> SessionInfoLines() {
-        return {{2, L"Authenticated User Name is : ann"},
-                {2, L"Corvane Log Path is : /logs/corvane.log"},
-                {2, L"Cloud Gateway Log Path is : /logs/gateway.log"},
-                {2, L"Corvane Log File Path is : /logs/corvane.log "}};
+    // `lines`, then what a successful session-information call after registration logs.
+    static Lines ThenSessionInfo(Lines lines) {
+        lines.insert(lines.end(), {{2, L"Authenticated User Name is : ann"},
+                                   {2, L"Corvane Log Path is : /logs/corvane.log"},
+                                   {2, L"Cloud Gateway Log Path is : /logs/gateway.log"},
+                                   {2, L"Corvane Log File Path is : /logs/corvane.log "}});
+        return lines;
+    }
+    bool Start(int timeoutMs, StopAtTimeoutCallback callback = nullptr) {
+        return session->StartCorvaneAndWaitForReadyState(timeoutMs, &timedOut, callback);
     }
     void Register() {
         ASSERT_TRUE(session->IsConnected(false));
@@ -95,8 +115,10 @@ protected:
     FakeConnector connector;
     CapturingLogSink log;
     std::vector<std::uint32_t> sleeps;
+    bool timedOut = true;
     testsupport::ManagerHandle manager;
     IVANTOSession* session = manager.Session();
+    vanto::SessionState& state = vanto::Session();
 
 private:
     platform::os::SleepHook previousSleep_;
@@ -107,121 +129,103 @@ TEST_F(SessionService, FirstConnectRegistersThenLaterCallsAnswerFromTheFlag) {
                      R"({"Errors":[],"RootFolders":["/home/ann/Corvane"]})");
     EXPECT_TRUE(session->IsConnected(false));
 
+    // This process, its start as local time, the host's folder in UTF-8 and its version.
     ASSERT_EQ(1u, connector.registerRequests.size());
-    const boost::json::object request = Json(connector.registerRequests[0]);
-    EXPECT_EQ(platform::os::CurrentProcessId(), request.at("ProcessId").as_int64());
-    EXPECT_FALSE(request.at("ProcessStartTime").as_string().empty());
-    EXPECT_EQ("/opt/arbo", request.at("FilePath").as_string());
-    EXPECT_EQ("Arbo Lite V2024", request.at("ClientInfo").at("FullName").as_string());
-    EXPECT_EQ("ArboLite", request.at("ClientInfo").at("Product").as_string());
-
-    EXPECT_EQ((std::vector<std::string>{"GETCORVANEROOTFOLDERS", "GETSESSIONINFO",
-                                        "GETCONNECTIONSTATUS"}),
-              connector.CommandsSent());
-    for (const std::string& sent : connector.executeRequests) {
-        EXPECT_EQ("s-1", Json(sent).at("SessionId").as_string());
-    }
-    std::vector<Line> expected = {{2, L"Corvane mode is ON."},
-                                  RegisterInputLine(),
-                                  {2, L"Corvane RootFolder is : /home/ann/Corvane "},
-                                  {2, L"Corvane Session Id is : s-1 "}};
-    for (const Line& line : SessionInfoLines()) {
-        expected.push_back(line);
-    }
-    EXPECT_EQ(expected, Lines());
-    EXPECT_EQ((std::vector<std::wstring>{Tag(L"IsConnected"), Tag(L"GetRootFolders"),
-                                         Tag(L"GetSessionInfo")}),
-              log.ScopesOpened());
+    EXPECT_TRUE(std::regex_match(
+        connector.registerRequests[0],
+        std::regex(R"(\{"ProcessId":)" + std::to_string(platform::os::CurrentProcessId()) +
+                   R"(,"ProcessStartTime":"\d{4}-[1-9]\d?-[1-9]\d?T\d\d:\d\d:\d\d",)"
+                   R"("FilePath":"/opt/Arbo \xC3\x89dition","ClientInfo":)"
+                   R"(\{"FullName":"Arbo Lite V2026","Product":"ArboLite"\}\})")))
+        << connector.registerRequests[0];
+    EXPECT_EQ(
+        (Texts{Bare("GETCORVANEROOTFOLDERS"), Bare("GETSESSIONINFO"), Bare("GETCONNECTIONSTATUS")}),
+        connector.executeRequests);
+    EXPECT_EQ(Scopes({L"IsConnected", L"GetRootFolders", L"GetSessionInfo"}), log.ScopesOpened());
+    EXPECT_EQ(ThenSessionInfo({{2, ModeOn},
+                               RegisterInputLine(),
+                               {2, L"Corvane RootFolder is : /home/ann/Corvane "},
+                               {2, L"Corvane Session Id is : s-1 "}}),
+              Take());
     EXPECT_EQ(L"/home/ann/Corvane", StoredRootFolder());
-    EXPECT_TRUE(vanto::Session().registered);
-    EXPECT_FALSE(vanto::Session().firstConnect);
+    EXPECT_TRUE(state.registered && !state.firstConnect);
 
     // Not forced: the flag answers, nothing is asked and nothing but the scope is written.
-    log.Clear();
     EXPECT_TRUE(session->IsConnected(false));
     EXPECT_EQ(3u, connector.executeRequests.size());
-    EXPECT_TRUE(Lines().empty());
-    EXPECT_EQ(std::vector<std::wstring>{Tag(L"IsConnected")}, log.ScopesOpened());
+    EXPECT_EQ(Scopes({L"IsConnected"}), log.ScopesOpened());
+    EXPECT_TRUE(Take().empty());
 
     // Forced: the whole path again, but a registered session is not registered twice.
     EXPECT_TRUE(session->IsConnected(true));
     EXPECT_EQ(1u, connector.registerRequests.size());
     EXPECT_EQ("GETCONNECTIONSTATUS", connector.CommandsSent().back());
-    EXPECT_EQ((std::vector<Line>{{2, L"Corvane mode is ON."}}), Lines());
+    EXPECT_EQ((Lines{{2, ModeOn}}), Take());
 }
 
-TEST_F(SessionService, ConnectWithoutRegistrationKeepsTryingOnlyUntilAnAttemptIsMade) {
+TEST_F(SessionService, ConnectWithoutRegistrationOrProxyKeepsTryingOnlyUntilAnAttempt) {
     connector.readyAfterPolls = -1;
     EXPECT_FALSE(session->IsConnected(false));
-    EXPECT_EQ((std::vector<Line>{{2, L"Corvane mode is ON."}, {0, NotValid}}), Lines());
-    EXPECT_TRUE(vanto::Session().firstConnect);
+    EXPECT_EQ((Lines{{2, ModeOn}, {0, NotValid}}), Take());
+    EXPECT_TRUE(state.firstConnect);
 
     // An attempt that yields no session id still counts as the first connect.
     connector.readyAfterPolls = 0;
     connector.registerAnswer = "{}";
     EXPECT_FALSE(session->IsConnected(false));
-    EXPECT_FALSE(vanto::Session().firstConnect);
-    EXPECT_FALSE(vanto::Session().registered);
+    EXPECT_FALSE(state.firstConnect || state.registered);
     EXPECT_TRUE(connector.executeRequests.empty());
-    log.Clear();
+    Take();
     EXPECT_FALSE(session->IsConnected(false));
-    EXPECT_TRUE(Lines().empty());
+    EXPECT_TRUE(Take().empty());
     EXPECT_EQ(1u, connector.registerRequests.size());
-}
 
-TEST_F(SessionService, NullProxySkipsRegistrationAndIsNeverValid) {
+    // Without a proxy nothing is registered and no session is valid.
     connector.proxyAvailable = false;
     testsupport::ManagerHandle noProxy;
     IVANTOSession* bare = noProxy.Session();
-    vanto::Session().sessionId = "s-old";
-
+    state = vanto::SessionState();
+    state.sessionId = "s-old";
     EXPECT_FALSE(bare->IsCorvaneRunning());
     EXPECT_FALSE(bare->IsConnected(true));
     RootFolderSet folders;
     EXPECT_EQ(S_OK, bare->GetRootFolders(&folders));
     SessionInfo info;
     EXPECT_EQ(S_OK, bare->GetSessionInfo(&info));
-    EXPECT_EQ((std::vector<Line>{
-                  {2, L"Corvane mode is ON."}, {0, NotValid}, {0, NotValid}, {0, NotValid}}),
-              Lines());
-    EXPECT_TRUE(connector.registerRequests.empty());
+    EXPECT_EQ((Lines{{2, ModeOn}, {0, NotValid}, {0, NotValid}, {0, NotValid}}), Take());
+    EXPECT_EQ(1u, connector.registerRequests.size());
     EXPECT_TRUE(connector.executeRequests.empty());
 }
 
-TEST_F(SessionService, LastDifferingRootFolderIsStored) {
+TEST_F(SessionService, RootFoldersAreLoggedEachAndTheLastDifferingOneIsStored) {
     SetHostCommonUserValue(L"CorvaneRootFolderPath", L"/c", 1);
     connector.Answer("GETCORVANEROOTFOLDERS",
                      R"({"Errors":[],"RootFolders":["/c","/b","/a","/b"]})");
     EXPECT_TRUE(session->IsConnected(true));
     // "/c" equals the stored value and is skipped; "/a" and then "/b" are written.
     EXPECT_EQ(L"/b", StoredRootFolder());
+    Take();
 
-    // A failing root-folder answer leaves the setting alone and logs nothing of its own.
-    connector.Answer("GETCORVANEROOTFOLDERS", R"({"Errors":[{"ErrorCode":3,"Ids":[]}]})");
-    RootFolderSet folders{GUserText(L"/kept")};
-    log.Clear();
-    EXPECT_EQ(E_FAIL, session->GetRootFolders(&folders));
-    EXPECT_EQ(RootFolderSet{GUserText(L"/kept")}, folders);
-    EXPECT_TRUE(Lines().empty());
-}
-
-TEST_F(SessionService, RootFoldersAreLoggedEachAndStoredOnce) {
-    Register();
     connector.Answer("GETCORVANEROOTFOLDERS", R"({"Errors":[],"RootFolders":["/z","/y","/z"]})");
     RootFolderSet folders{GUserText(L"/kept")};
     EXPECT_EQ(S_OK, session->GetRootFolders(&folders));
-    EXPECT_EQ((RootFolderSet{GUserText(L"/kept"), GUserText(L"/y"), GUserText(L"/z")}), folders);
-    EXPECT_EQ((std::vector<Line>{{2, L"Corvane RootFolder is : /z "},
-                                 {2, L"Corvane RootFolder is : /y "},
-                                 {2, L"Corvane RootFolder is : /z "}}),
-              Lines());
+    const RootFolderSet expected{GUserText(L"/kept"), GUserText(L"/y"), GUserText(L"/z")};
+    EXPECT_EQ(expected, folders);
+    EXPECT_EQ((Lines{{2, L"Corvane RootFolder is : /z "},
+                     {2, L"Corvane RootFolder is : /y "},
+                     {2, L"Corvane RootFolder is : /z "}}),
+              Take());
+
+    // A failing answer leaves the set alone and logs nothing of its own.
+    connector.Answer("GETCORVANEROOTFOLDERS", R"({"Errors":[{"ErrorCode":3,"Ids":[]}]})");
+    EXPECT_EQ(E_FAIL, session->GetRootFolders(&folders));
+    EXPECT_EQ(expected, folders);
+    EXPECT_TRUE(Take().empty());
 
     // A failed call is logged and still answers S_OK.
-    connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Standard, "lost",
-                   "GETCORVANEROOTFOLDERS", 1);
-    log.Clear();
+    connector.Fail(Op::Execute, Failure::Standard, "lost", "GETCORVANEROOTFOLDERS", 1);
     EXPECT_EQ(S_OK, session->GetRootFolders(&folders));
-    EXPECT_EQ((std::vector<Line>{{0, std::wstring(ExecutePrefix) + L"lost"}}), Lines());
+    EXPECT_EQ(Lines{Failed(L"lost")}, Take());
 }
 
 TEST_F(SessionService, StatusErrorsGoOfflineOnlyForCodeSix) {
@@ -236,120 +240,98 @@ TEST_F(SessionService, StatusErrorsGoOfflineOnlyForCodeSix) {
     EXPECT_FALSE(session->IsConnected(true));
     EXPECT_FALSE(session->IsCorvaneInOffLineMode());
     // ... or set by the start, which also keeps it after a clean status.
-    bool timedOut = true;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(1000, &timedOut, nullptr));
+    EXPECT_FALSE(Start(1000));
     EXPECT_FALSE(timedOut);
     EXPECT_TRUE(session->IsCorvaneInOffLineMode());
     connector.Answer("GETCONNECTIONSTATUS", R"({"Errors":[]})");
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(1000, &timedOut, nullptr));
+    EXPECT_TRUE(Start(1000));
 
     // The flag and the installation are answered without a line of their own.
-    log.Clear();
+    Take();
     connector.installed = false;
     EXPECT_TRUE(session->IsCorvaneInOffLineMode());
     EXPECT_FALSE(session->IsCorvaneInstalled());
-    EXPECT_TRUE(Lines().empty());
-    EXPECT_EQ(
-        (std::vector<std::wstring>{Tag(L"IsCorvaneInOffLineMode"), Tag(L"IsCorvaneInstalled")}),
-        log.ScopesOpened());
+    EXPECT_EQ(Scopes({L"IsCorvaneInOffLineMode", L"IsCorvaneInstalled"}), log.ScopesOpened());
+    EXPECT_TRUE(Take().empty());
 }
 
 TEST_F(SessionService, ExceptionsAreHandledByKind) {
     // A communication failure while registering is logged and the method goes on; an id kept
     // from before counts as registered.
-    vanto::Session().sessionId = "s-old";
-    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Communication,
-                   "pipe closed", "", 1);
+    state.sessionId = "s-old";
+    connector.Fail(Op::RegisterClient, Failure::Communication, "pipe closed", "", 1);
     EXPECT_TRUE(session->IsConnected(true));
-    EXPECT_EQ((std::vector<Line>{{2, L"Corvane mode is ON."},
-                                 RegisterInputLine(),
-                                 {0, L"Exception occurred in API : pipe closed "}}),
-              Lines());
-    EXPECT_TRUE(vanto::Session().registered);
-    EXPECT_EQ(std::vector<std::string>{"GETCONNECTIONSTATUS"}, connector.CommandsSent());
+    EXPECT_EQ(
+        (Lines{{2, ModeOn}, RegisterInputLine(), {0, L"Exception occurred in API : pipe closed "}}),
+        Take());
+    EXPECT_TRUE(state.registered);
+    EXPECT_EQ(Texts{"GETCONNECTIONSTATUS"}, connector.CommandsSent());
 
     // Any standard exception in the status check; its text is appended, then formatted.
-    log.Clear();
-    connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Standard,
-                   "100%% lost", "GETCONNECTIONSTATUS", 1);
+    connector.Fail(Op::Execute, Failure::Standard, "100%% lost", "GETCONNECTIONSTATUS", 1);
     EXPECT_FALSE(session->IsConnected(true));
-    EXPECT_EQ((std::vector<Line>{{2, L"Corvane mode is ON."},
-                                 {0, std::wstring(ExecutePrefix) + L"100% lost"}}),
-              Lines());
+    EXPECT_EQ((Lines{{2, ModeOn}, Failed(L"100% lost")}), Take());
 
     // Anything else passes through, and the scope record is still closed.
-    log.Clear();
-    connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Foreign, "alien",
-                   "GETCONNECTIONSTATUS", 1);
+    connector.Fail(Op::Execute, Failure::Foreign, "alien", "GETCONNECTIONSTATUS", 1);
     EXPECT_THROW(session->IsConnected(true), FakeConnector::ForeignException);
-    ASSERT_EQ(2u, log.records.size() - Lines().size());
+    ASSERT_EQ(3u, log.records.size());
     EXPECT_EQ(LogRecord::Kind::ScopeClose, log.records.back().kind);
+    EXPECT_EQ((Lines{{2, ModeOn}}), Take());
 
     // Another standard exception while registering ends the method.
-    log.Clear();
-    vanto::Session() = vanto::SessionState();
-    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Standard,
-                   "refused", "", 1);
+    state = vanto::SessionState();
+    connector.Fail(Op::RegisterClient, Failure::Standard, "refused", "", 1);
     EXPECT_FALSE(session->IsConnected(false));
-    EXPECT_EQ((Line{0, std::wstring(ExecutePrefix) + L"refused"}), Lines().back());
+    EXPECT_EQ(Failed(L"refused"), Take().back());
     EXPECT_EQ(3u, connector.executeRequests.size());
 
     // A communication failure before any id was granted registers nothing.
-    log.Clear();
-    vanto::Session() = vanto::SessionState();
-    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Communication,
-                   "pipe closed", "", 1);
+    state = vanto::SessionState();
+    connector.Fail(Op::RegisterClient, Failure::Communication, "pipe closed", "", 1);
     EXPECT_FALSE(session->IsConnected(false));
-    EXPECT_FALSE(vanto::Session().registered);
-    EXPECT_EQ((Line{0, NotValid}), Lines().back());
+    EXPECT_FALSE(state.registered);
+    EXPECT_EQ((Line{0, NotValid}), Take().back());
 }
 
 TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
     connector.running = false;
-    vanto::Session().registered = true;
-    vanto::Session().sessionId = "s-0";
-    bool timedOut = true;
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    state.registered = true;
+    state.sessionId = "s-0";
+    EXPECT_TRUE(Start(5000));
     EXPECT_FALSE(timedOut);
-    EXPECT_EQ(std::vector<std::string>{""}, connector.launchArguments);
+    EXPECT_EQ(Texts{""}, connector.launchArguments);
     EXPECT_TRUE(sleeps.empty());
 
-    ASSERT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_EQ("s-0", Json(connector.deregisterRequests[0]).at("SessionId").as_string());
-    std::vector<Line> expected = {{2, L"Connector was not running, hence launching Connector from "
-                                      L"StartCorvaneAndWaitForReadyState!!"},
-                                  RegisterInputLine(),
-                                  {2, Deregistering},
-                                  {2, L"Deregistered from Corvane"},
-                                  {2, L"Corvane Auto Start Session Id is : s-1 "}};
-    for (const Line& line : SessionInfoLines()) {
-        expected.push_back(line);
-    }
-    EXPECT_EQ(expected, Lines());
-    EXPECT_EQ((std::vector<std::wstring>{Tag(L"StartCorvaneAndWaitForReadyState"),
-                                         Tag(L"IsCorvaneRunning"), Tag(L"DeRegisterFromCorvane"),
-                                         Tag(L"GetSessionInfo")}),
+    EXPECT_EQ(Texts{R"({"SessionId":"s-0","ProcessId":0,"ProcessStartTime":""})"},
+              connector.deregisterRequests);
+    EXPECT_EQ(Scopes({L"StartCorvaneAndWaitForReadyState", L"IsCorvaneRunning",
+                      L"DeRegisterFromCorvane", L"GetSessionInfo"}),
               log.ScopesOpened());
-    EXPECT_EQ((std::vector<std::string>{"GETSESSIONINFO", "GETCONNECTIONSTATUS"}),
-              connector.CommandsSent());
+    EXPECT_EQ(ThenSessionInfo({{2, L"Connector was not running, hence launching Connector from "
+                                   L"StartCorvaneAndWaitForReadyState!!"},
+                               RegisterInputLine(),
+                               {2, Deregistering},
+                               {2, Deregistered},
+                               {2, L"Corvane Auto Start Session Id is : s-1 "}}),
+              Take());
+    EXPECT_EQ((Texts{"GETSESSIONINFO", "GETCONNECTIONSTATUS"}), connector.CommandsSent());
     EXPECT_EQ(L"<none>", StoredRootFolder());
-    EXPECT_EQ("s-1", vanto::Session().sessionId);
-    EXPECT_TRUE(vanto::Session().registered);
+    EXPECT_EQ("s-1", state.sessionId);
+    EXPECT_TRUE(state.registered);
 
     // Already running: no launch, and the running check says so.
-    log.Clear();
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_TRUE(Start(5000));
     EXPECT_EQ(1, connector.launches);
-    EXPECT_EQ((Line{2, L"Connector is ON and running!!"}), Lines().front());
+    EXPECT_EQ((Line{2, L"Connector is ON and running!!"}), Take().front());
 
     // A launch that throws ends the start before any wait.
     connector.running = false;
-    connector.Fail(FakeConnector::Operation::LaunchApplication, FakeConnector::Failure::Standard,
-                   "no binary");
+    connector.Fail(Op::LaunchApplication, Failure::Standard, "no binary");
     const int polls = connector.readyPolls;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
+    EXPECT_FALSE(Start(5000));
     EXPECT_FALSE(timedOut);
-    EXPECT_EQ((Line{0, L"Corvane failed to start with exception: no binary"}), Lines().back());
+    EXPECT_EQ((Line{0, L"Corvane failed to start with exception: no binary"}), Take().back());
     EXPECT_EQ(polls, connector.readyPolls);
     EXPECT_EQ(2u, connector.registerRequests.size());
 }
@@ -357,41 +339,21 @@ TEST_F(SessionService, StartLaunchesDeregistersThenRegisters) {
 TEST_F(SessionService, StartCountsTheRegisterCallAndStopsWhenItFails) {
     // The register call returning is enough to count as registered, with or without an id.
     connector.registerAnswer = "{}";
-    bool timedOut = true;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
-    EXPECT_TRUE(vanto::Session().registered);
-    const std::vector<Line> lines = Lines();
-    EXPECT_EQ((std::vector<Line>{{2, L"Corvane Auto Start Session Id is :  "}, {0, NotValid}}),
-              std::vector<Line>(lines.end() - 2, lines.end()));
+    EXPECT_FALSE(Start(5000));
+    EXPECT_TRUE(state.registered);
+    const Lines lines = Take();
+    EXPECT_EQ((Lines{{2, L"Corvane Auto Start Session Id is :  "}, {0, NotValid}}),
+              Lines(lines.end() - 2, lines.end()));
     EXPECT_TRUE(connector.executeRequests.empty());
 
     // Any failure of the registration step, a communication failure too, ends the start with the
     // Execute prefix and no status check; the deregistration before it has already happened.
-    log.Clear();
-    connector.Fail(FakeConnector::Operation::RegisterClient, FakeConnector::Failure::Communication,
-                   "pipe closed", "", 1);
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(5000, &timedOut, nullptr));
-    EXPECT_FALSE(vanto::Session().registered);
+    connector.Fail(Op::RegisterClient, Failure::Communication, "pipe closed", "", 1);
+    EXPECT_FALSE(Start(5000));
+    EXPECT_FALSE(state.registered);
     EXPECT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_EQ((Line{0, std::wstring(ExecutePrefix) + L"pipe closed"}), Lines().back());
+    EXPECT_EQ(Failed(L"pipe closed"), Take().back());
     EXPECT_TRUE(connector.executeRequests.empty());
-}
-
-TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeout) {
-    connector.readyAfterPolls = -1;
-    const Line timedOutLine = {2, L"Connector was not running, Launching Connector from "
-                                  L"StartCorvaneAndWaitForReadyState has timed out."};
-    bool timedOut = false;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr));
-    EXPECT_TRUE(timedOut);
-    EXPECT_EQ(std::vector<std::uint32_t>{100}, sleeps);
-    EXPECT_EQ(timedOutLine, Lines().back());
-    EXPECT_TRUE(connector.registerRequests.empty());
-
-    // Strictly greater: at 200 ms of 200 it waits once more.
-    sleeps.clear();
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(200, &timedOut, nullptr));
-    EXPECT_EQ(3u, sleeps.size());
 }
 
 int callbackCalls = 0;
@@ -402,65 +364,77 @@ void ExtendSomeTimes(bool* stopAtTimeout) {
     }
 }
 
-TEST_F(SessionService, CallbackExtendsTheWait) {
-    callbackCalls = 0;
-    extendFor = 1000;
-    connector.readyAfterPolls = 5;
-    bool timedOut = true;
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, ExtendSomeTimes));
-    EXPECT_FALSE(timedOut);
-    EXPECT_EQ(5, callbackCalls);
-    EXPECT_EQ(5u, sleeps.size());
+TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeoutOrLonger) {
+    connector.readyAfterPolls = -1;
+    timedOut = false;
+    EXPECT_FALSE(Start(0));
+    EXPECT_TRUE(timedOut);
+    EXPECT_EQ(std::vector<std::uint32_t>{100}, sleeps);
+    EXPECT_EQ((Line{2, L"Connector was not running, Launching Connector from "
+                       L"StartCorvaneAndWaitForReadyState has timed out."}),
+              Take().back());
+    EXPECT_TRUE(connector.registerRequests.empty());
 
-    // Extending two polls past a zero time-out gives up on the third.
+    // Strictly greater: at 200 ms of 200 it waits once more.
+    sleeps.clear();
+    EXPECT_FALSE(Start(200));
+    EXPECT_EQ(3u, sleeps.size());
+
+    // The callback extends the wait: two polls past a zero time-out, then it gives up.
     callbackCalls = 0;
     extendFor = 2;
     sleeps.clear();
-    connector.readyPolls = 0;
-    connector.readyAfterPolls = -1;
-    EXPECT_FALSE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, ExtendSomeTimes));
+    EXPECT_FALSE(Start(0, ExtendSomeTimes));
     EXPECT_TRUE(timedOut);
     EXPECT_EQ(3, callbackCalls);
     EXPECT_EQ(2u, sleeps.size());
+
+    // Extended for as long as it takes.
+    callbackCalls = 0;
+    extendFor = 1000;
+    connector.readyPolls = 0;
+    connector.readyAfterPolls = 5;
+    sleeps.clear();
+    EXPECT_TRUE(Start(0, ExtendSomeTimes));
+    EXPECT_FALSE(timedOut);
+    EXPECT_EQ(5, callbackCalls);
+    EXPECT_EQ(5u, sleeps.size());
 
     // Ready at once: the callback is never asked.
     callbackCalls = 0;
     connector.readyAfterPolls = 0;
     connector.readyPolls = 0;
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, ExtendSomeTimes));
+    EXPECT_TRUE(Start(0, ExtendSomeTimes));
     EXPECT_EQ(0, callbackCalls);
 }
 
 TEST_F(SessionService, DeregisteringFailsThenSendsOnceThenHasNothingToDo) {
     Register();
-    connector.Fail(FakeConnector::Operation::DeRegisterClient, FakeConnector::Failure::Standard,
-                   "gone", "", 1);
+    connector.Fail(Op::DeRegisterClient, Failure::Standard, "gone", "", 1);
     session->DeRegisterFromCorvane();
-    EXPECT_TRUE(vanto::Session().registered);
+    EXPECT_TRUE(state.registered);
 
+    // Keyed by the session id alone; the id is kept, so commands still carry it.
     session->DeRegisterFromCorvane();
     ASSERT_EQ(2u, connector.deregisterRequests.size());
-    const boost::json::object request = Json(connector.deregisterRequests[1]);
-    EXPECT_EQ("s-1", request.at("SessionId").as_string());
-    EXPECT_EQ(0, request.at("ProcessId").as_int64());
-    EXPECT_EQ("", request.at("ProcessStartTime").as_string());
-    // The id is kept: commands still carry it.
-    EXPECT_FALSE(vanto::Session().registered);
-    EXPECT_EQ("s-1", vanto::Session().sessionId);
+    EXPECT_EQ(R"({"SessionId":"s-1","ProcessId":0,"ProcessStartTime":""})",
+              connector.deregisterRequests[1]);
+    EXPECT_FALSE(state.registered);
+    EXPECT_EQ("s-1", state.sessionId);
 
     session->DeRegisterFromCorvane();
     EXPECT_EQ(2u, connector.deregisterRequests.size());
-    EXPECT_EQ(
-        (std::vector<Line>{{2, Deregistering},
-                           {0, L"Failure to deregister from Corvane - exception from call : gone"},
-                           {2, Deregistering},
-                           {2, L"Deregistered from Corvane"},
-                           {2, Deregistering},
-                           {2, NothingToDo}}),
-        Lines());
+    EXPECT_EQ((Lines{{2, Deregistering},
+                     {0, L"Failure to deregister from Corvane - exception from call : gone"},
+                     {2, Deregistering},
+                     {2, Deregistered},
+                     {2, Deregistering},
+                     {2, L"App was not registered with Corvane when DeRegisterFromCorvane was "
+                         L"called so nothing to do."}}),
+              Take());
 }
 
-TEST_F(SessionService, DestroyingTheManagerDeregistersOnlyWhenRegistered) {
+TEST_F(SessionService, ReleasingTheManagerDeregistersOnlyWhenRegistered) {
     testsupport::ManagerHandle unused;
     unused.Reset();
     EXPECT_TRUE(log.records.empty());
@@ -469,17 +443,16 @@ TEST_F(SessionService, DestroyingTheManagerDeregistersOnlyWhenRegistered) {
     Register();
     manager.Reset();
     EXPECT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_EQ(std::vector<std::wstring>{Tag(L"DeRegisterFromCorvane")}, log.ScopesOpened());
-    EXPECT_FALSE(vanto::Session().registered);
-}
+    EXPECT_EQ(Scopes({L"DeRegisterFromCorvane"}), log.ScopesOpened());
+    EXPECT_FALSE(state.registered);
 
-TEST_F(SessionService, ReleaseSurvivesAForeignExceptionFromDeregistration) {
-    Register();
-    connector.Fail(FakeConnector::Operation::DeRegisterClient, FakeConnector::Failure::Foreign,
-                   "not a std::exception");
-    EXPECT_NO_THROW(manager.Reset());
-    EXPECT_EQ(1u, connector.deregisterRequests.size());
-    EXPECT_TRUE(vanto::Session().registered);
+    // A foreign exception from deregistering does not escape the release.
+    testsupport::ManagerHandle second;
+    ASSERT_TRUE(second.Session()->IsConnected(true));
+    connector.Fail(Op::DeRegisterClient, Failure::Foreign, "not a std::exception");
+    EXPECT_NO_THROW(second.Reset());
+    EXPECT_EQ(2u, connector.deregisterRequests.size());
+    EXPECT_TRUE(state.registered);
 }
 
 TEST_F(SessionService, SessionInfoAndUser) {
@@ -487,41 +460,48 @@ TEST_F(SessionService, SessionInfoAndUser) {
     info.userEmail = L"kept";
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(L"kept", info.userEmail.wstr());
-    EXPECT_EQ((std::vector<Line>{{0, NotValid}}), Lines());
+    EXPECT_EQ((Lines{{0, NotValid}}), Take());
 
-    LoggedInUserInfo user;
-    user.loginName = L"host";
-    user.email = L"kept";
-    log.Clear();
+    LoggedInUserInfo user{L"host", L"", L"kept"};
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
-    EXPECT_TRUE(Lines().empty());
+    EXPECT_TRUE(Take().empty());
     EXPECT_EQ(L"kept", user.email.wstr());
 
     // A valid session that never registered: asking for the user marks it registered.
-    vanto::Session().sessionId = "s-9";
-    log.Clear();
+    state.sessionId = "s-9";
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
-    EXPECT_TRUE(vanto::Session().registered);
+    EXPECT_TRUE(state.registered);
     EXPECT_EQ(L"ann@example.com", user.email.wstr());
     EXPECT_EQ(L"host", user.loginName.wstr());
-    EXPECT_EQ(
-        (std::vector<std::wstring>{Tag(L"GetCurrentLoggedInUserInfo"), Tag(L"GetSessionInfo")}),
-        log.ScopesOpened());
+    EXPECT_EQ(Scopes({L"GetCurrentLoggedInUserInfo", L"GetSessionInfo"}), log.ScopesOpened());
 
     connector.Answer("GETSESSIONINFO", R"({"Errors":[{"ErrorCode":1}],"UserEmail":"x@y"})");
-    log.Clear();
+    Take();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(L"kept", info.userEmail.wstr());
-    EXPECT_EQ((std::vector<Line>{{0, L"Failed to get session information."}}), Lines());
+    EXPECT_EQ((Lines{{0, L"Failed to get session information."}}), Take());
     // The user's e-mail comes from a fresh record, so a failed answer empties it.
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
     EXPECT_TRUE(user.email.IsEmpty());
 
-    connector.Fail(FakeConnector::Operation::Execute, FakeConnector::Failure::Communication,
-                   "timeout", "GETSESSIONINFO", 1);
-    log.Clear();
+    connector.Fail(Op::Execute, Failure::Communication, "timeout", "GETSESSIONINFO", 1);
+    Take();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
-    EXPECT_EQ((std::vector<Line>{{0, std::wstring(ExecutePrefix) + L"timeout"}}), Lines());
+    EXPECT_EQ(Lines{Failed(L"timeout")}, Take());
+}
+
+TEST(ProcessStartTimeText, DatePlainTimePadded) {
+    EXPECT_EQ("2024-3-7T09:05:02", vanto::FormatProcessStartTime({2024, 3, 7, 9, 5, 2}).str());
+    EXPECT_EQ("2025-1-1T00:00:00", vanto::FormatProcessStartTime({2025, 1, 1, 0, 0, 0}).str());
+    EXPECT_EQ("-1--1--1T-1:-1:-1",
+              vanto::FormatProcessStartTime(platform::os::LocalDateTime{}).str());
+}
+
+// The rest of the client information is read from the registration request.
+TEST(ClientInformation, AnEmptyProductPathStaysEmpty) {
+    HostTesting::SetProductPath(GUserText());
+    EXPECT_TRUE(vanto::BuildClientInformation().productPath.empty());
+    HostTesting::UseDefaultProductPath();
 }
 
 } // namespace

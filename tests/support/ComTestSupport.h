@@ -13,30 +13,58 @@ inline ULONG RefCount(IUnknown* unknown) {
     return unknown->Release();
 }
 
+// The class factory as a host gets it, with one reference.
+inline IClassFactory* NewClassFactory() {
+    IClassFactory* factory = nullptr;
+    EXPECT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
+                                      reinterpret_cast<void**>(&factory)));
+    return factory;
+}
+
+// The interface `iid` of `object`, with a reference of its own.
+template <class Interface> Interface* Query(IUnknown* object, const IID& iid) {
+    Interface* found = nullptr;
+    EXPECT_EQ(S_OK, object->QueryInterface(iid, reinterpret_cast<void**>(&found)));
+    return found;
+}
+
+// Reaches the four interfaces of a manager as a host does, each from the one before, and calls
+// into the module's own code: without a connector nothing is installed, while the mock always
+// says it is.
+inline void CallEachInterface(IUnknown* manager) {
+    IVANTOSession* session = Query<IVANTOSession>(manager, IID_IVANTOSession);
+    ASSERT_NE(nullptr, session);
+    IVANTOSession* mockSession = Query<IVANTOSession>(session, IID_IVANTOMockSession);
+    ASSERT_NE(nullptr, mockSession);
+    IUnknown* files = Query<IUnknown>(mockSession, IID_IVANTOFileServices);
+    ASSERT_NE(nullptr, files);
+    IUnknown* mockFiles = Query<IUnknown>(files, IID_IVANTOMockFileServices);
+    ASSERT_NE(nullptr, mockFiles);
+    EXPECT_FALSE(session->IsCorvaneInstalled());
+    EXPECT_TRUE(mockSession->IsCorvaneInstalled());
+    for (IUnknown* unknown :
+         {static_cast<IUnknown*>(session), static_cast<IUnknown*>(mockSession), files, mockFiles}) {
+        unknown->Release();
+    }
+}
+
 // A manager made through DllGetClassObject and the class factory, released at scope end.
 class ManagerHandle {
 public:
     ManagerHandle() {
-        IClassFactory* factory = nullptr;
-        EXPECT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IClassFactory,
-                                          reinterpret_cast<void**>(&factory)));
+        IClassFactory* factory = NewClassFactory();
         EXPECT_EQ(S_OK, factory->CreateInstance(nullptr, IID_IUnknown,
                                                 reinterpret_cast<void**>(&unknown_)));
         factory->Release();
     }
-    ~ManagerHandle() {
-        if (unknown_ != nullptr) {
-            unknown_->Release();
-        }
-    }
+    ~ManagerHandle() { Reset(); }
     ManagerHandle(const ManagerHandle&) = delete;
     ManagerHandle& operator=(const ManagerHandle&) = delete;
 
     IUnknown* Unknown() const { return unknown_; }
 
     template <class Interface> Interface* Get(const IID& iid) const {
-        Interface* found = nullptr;
-        EXPECT_EQ(S_OK, unknown_->QueryInterface(iid, reinterpret_cast<void**>(&found)));
+        Interface* found = Query<Interface>(unknown_, iid);
         if (found != nullptr) {
             found->Release(); // the handle keeps the object alive
         }
@@ -44,12 +72,9 @@ public:
     }
     IVANTOSession* Session() const { return Get<IVANTOSession>(IID_IVANTOSession); }
     IVANTOSession* MockSession() const { return Get<IVANTOSession>(IID_IVANTOMockSession); }
-    IVANTOFileServices* FileServices() const {
-        return Get<IVANTOFileServices>(IID_IVANTOFileServices);
-    }
-    IVANTOFileServices* MockFileServices() const {
-        return Get<IVANTOFileServices>(IID_IVANTOMockFileServices);
-    }
+    using Files = IVANTOFileServices;
+    Files* FileServices() const { return Get<Files>(IID_IVANTOFileServices); }
+    Files* MockFileServices() const { return Get<Files>(IID_IVANTOMockFileServices); }
 
     // Releases the manager now.
     void Reset() {

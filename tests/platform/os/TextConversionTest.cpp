@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cwchar>
+#include <sstream>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -9,21 +10,15 @@
 #include <gtest/gtest.h>
 
 // Expectations are code points and bytes as the Windows converter (under Wine) gives them, so the
-// same tables check our own converter on POSIX and the system calls on Windows.
+// same tables check our own converter on POSIX and the system calls on Windows. A case is written
+// "input > expected" in hexadecimal, R standing for the replacement character U+FFFD.
 
 namespace {
 
 using platform::os::Utf8ToWide;
 using platform::os::WideToUtf8;
 
-using Bytes = std::vector<unsigned>;
 using Points = std::vector<char32_t>;
-
-constexpr char32_t R = 0xFFFD;
-
-std::string Narrow(const Bytes& bytes) {
-    return std::string(bytes.begin(), bytes.end());
-}
 
 // Wide text holding the given values: values above U+FFFF become surrogate pairs where wchar_t is
 // 16 bits; every other value, a lone surrogate included, is one wchar_t.
@@ -55,192 +50,104 @@ Points CodePoints(const std::wstring& wide) {
     return points;
 }
 
-std::string Hex(const Points& points) {
+// Values written in hexadecimal and separated by spaces; "R" stands for `replacement`.
+Points Values(const std::string& text, const Points& replacement) {
+    Points values;
+    std::istringstream in(text);
+    for (std::string token; in >> token;) {
+        if (token == "R") {
+            values.insert(values.end(), replacement.begin(), replacement.end());
+        } else {
+            values.push_back(static_cast<char32_t>(std::stoul(token, nullptr, 16)));
+        }
+    }
+    return values;
+}
+
+// Values in hexadecimal, so that a failure shows which one differs.
+std::string Hex(const Points& values) {
     std::string text;
     char buffer[16];
-    for (char32_t point : points) {
-        std::snprintf(buffer, sizeof buffer, " %04X", static_cast<unsigned>(point));
+    for (const char32_t value : values) {
+        std::snprintf(buffer, sizeof buffer, " %02X", static_cast<unsigned>(value));
         text += buffer;
     }
     return text;
 }
 
-std::string Hex(const std::string& bytes) {
-    std::string text;
-    char buffer[8];
-    for (char byte : bytes) {
-        std::snprintf(buffer, sizeof buffer, " %02X", static_cast<unsigned char>(byte));
-        text += buffer;
-    }
-    return text;
-}
-
-struct DecodeCase {
-    const char* name;
-    Bytes utf8;
-    Points expected;
-};
-
-struct EncodeCase {
-    const char* name;
-    Points wide;
-    Bytes expected;
-};
-
-void CheckDecoding(const std::vector<DecodeCase>& cases) {
-    for (const auto& c : cases) {
-        EXPECT_EQ(Hex(CodePoints(Utf8ToWide(Narrow(c.utf8)))), Hex(c.expected)) << c.name;
+// Checks `convert` on every case of `table`, written "input > expected" and separated by "|".
+template <class Convert>
+void Check(const std::string& table, const Points& replacement, Convert convert) {
+    std::istringstream cases(table);
+    for (std::string text; std::getline(cases, text, '|');) {
+        SCOPED_TRACE(text);
+        const std::size_t arrow = text.find('>');
+        ASSERT_NE(std::string::npos, arrow);
+        EXPECT_EQ(Hex(Values(text.substr(arrow + 1), replacement)),
+                  Hex(convert(Values(text.substr(0, arrow), {}))));
     }
 }
 
-void CheckEncoding(const std::vector<EncodeCase>& cases) {
-    for (const auto& c : cases) {
-        EXPECT_EQ(Hex(WideToUtf8(Wide(c.wide))), Hex(Narrow(c.expected))) << c.name;
-    }
-}
-
-TEST(TextConversionTest, EmptyInputGivesEmptyOutput) {
-    EXPECT_TRUE(Utf8ToWide("").empty());
-    EXPECT_TRUE(WideToUtf8(L"").empty());
-    EXPECT_TRUE(Utf8ToWide(std::string_view()).empty());
-    EXPECT_TRUE(WideToUtf8(std::wstring_view()).empty());
-}
-
-TEST(TextConversionTest, DecodesWellFormedUtf8AtEveryLengthBoundary) {
-    CheckDecoding({
-        {"ascii", {0x41, 0x42, 0x43}, {0x41, 0x42, 0x43}},
-        {"embedded nul", {0x41, 0x00, 0x42}, {0x41, 0x00, 0x42}},
-        {"U+007F", {0x7F}, {0x7F}},
-        {"U+0080", {0xC2, 0x80}, {0x80}},
-        {"U+00E9", {0xC3, 0xA9}, {0xE9}},
-        {"U+07FF", {0xDF, 0xBF}, {0x7FF}},
-        {"U+0800", {0xE0, 0xA0, 0x80}, {0x800}},
-        {"U+20AC", {0xE2, 0x82, 0xAC}, {0x20AC}},
-        {"U+D7FF", {0xED, 0x9F, 0xBF}, {0xD7FF}},
-        {"U+E000", {0xEE, 0x80, 0x80}, {0xE000}},
-        {"U+FFFD itself", {0xEF, 0xBF, 0xBD}, {0xFFFD}},
-        {"U+FFFF", {0xEF, 0xBF, 0xBF}, {0xFFFF}},
-        {"U+10000", {0xF0, 0x90, 0x80, 0x80}, {0x10000}},
-        {"U+1F600", {0xF0, 0x9F, 0x98, 0x80}, {0x1F600}},
-        {"U+10FFFF", {0xF4, 0x8F, 0xBF, 0xBF}, {0x10FFFF}},
+// Bytes to code points; R is U+FFFD.
+void CheckDecoding(const std::string& table) {
+    Check(table, {0xFFFD}, [](const Points& bytes) {
+        return CodePoints(Utf8ToWide(std::string(bytes.begin(), bytes.end())));
     });
 }
 
-TEST(TextConversionTest, OverlongAndOutOfRangeFormsYieldOneReplacementPerLeftoverByte) {
-    // The lead and the offending second byte make one U+FFFD; each remaining byte makes another.
-    CheckDecoding({
-        {"C0 80", {0xC0, 0x80}, {R, R}},
-        {"C1 BF", {0xC1, 0xBF}, {R, R}},
-        {"E0 80 80", {0xE0, 0x80, 0x80}, {R, R}},
-        {"E0 9F BF", {0xE0, 0x9F, 0xBF}, {R, R}},
-        {"F0 80 80 80", {0xF0, 0x80, 0x80, 0x80}, {R, R, R}},
-        {"F0 8F BF BF", {0xF0, 0x8F, 0xBF, 0xBF}, {R, R, R}},
-        {"surrogate D800", {0xED, 0xA0, 0x80}, {R, R}},
-        {"surrogate DFFF", {0xED, 0xBF, 0xBF}, {R, R}},
-        {"encoded pair", {0xED, 0xA0, 0xBD, 0xED, 0xB8, 0x80}, {R, R, R, R}},
-        {"U+110000", {0xF4, 0x90, 0x80, 0x80}, {R, R, R}},
-        {"bad second byte then ascii", {0xE0, 0x80, 0x41}, {R, 0x41}},
-        {"surrogate start then ascii", {0xED, 0xA0, 0x41}, {R, 0x41}},
+// Code points to bytes; R is U+FFFD in UTF-8, EF BF BD.
+void CheckEncoding(const std::string& table) {
+    Check(table, {0xEF, 0xBF, 0xBD}, [](const Points& points) {
+        Points bytes;
+        for (const unsigned char byte : WideToUtf8(Wide(points))) {
+            bytes.push_back(byte);
+        }
+        return bytes;
     });
 }
 
-TEST(TextConversionTest, BytesThatCannotStartASequenceEachYieldOneReplacement) {
-    CheckDecoding({
-        {"lone 80", {0x80}, {R}},
-        {"lone BF", {0xBF}, {R}},
-        {"continuations then ascii", {0x80, 0x80, 0x41}, {R, R, 0x41}},
-        {"continuation inside ascii", {0x41, 0x80, 0x42}, {0x41, R, 0x42}},
-        {"continuation after complete sequence", {0xC3, 0xA9, 0x80}, {0xE9, R}},
-        {"C0 alone", {0xC0}, {R}},
-        {"C1 then ascii", {0xC1, 0x41}, {R, 0x41}},
-        {"F5", {0xF5}, {R}},
-        {"F5 then ascii", {0xF5, 0x41}, {R, 0x41}},
-        {"F5 80 80 80", {0xF5, 0x80, 0x80, 0x80}, {R, R, R, R}},
-        {"F7 BF BF BF", {0xF7, 0xBF, 0xBF, 0xBF}, {R, R, R, R}},
-        {"five-byte form", {0xF8, 0x88, 0x80, 0x80, 0x80}, {R, R, R, R, R}},
-        {"six-byte form", {0xFC, 0x84, 0x80, 0x80, 0x80, 0x80}, {R, R, R, R, R, R}},
-        {"FE", {0xFE}, {R}},
-        {"FF then ascii", {0xFF, 0x41}, {R, 0x41}},
-    });
-}
-
-TEST(TextConversionTest, SequenceCutShortByTheEndSwallowsTheRestOfTheText) {
-    CheckDecoding({
-        {"C3", {0x41, 0xC3}, {0x41, R}},
-        {"E2", {0x41, 0xE2}, {0x41, R}},
-        {"E2 82", {0x41, 0xE2, 0x82}, {0x41, R}},
-        {"F0", {0x41, 0xF0}, {0x41, R}},
-        {"F0 9F", {0x41, 0xF0, 0x9F}, {0x41, R}},
-        {"F0 9F 98", {0x41, 0xF0, 0x9F, 0x98}, {0x41, R}},
-        {"C0 at end", {0xC0}, {R}},
-        {"overlong start", {0xE0, 0x80}, {R}},
-        {"surrogate start", {0xED, 0xA0}, {R}},
-        {"overlong four-byte start", {0xF0, 0x80, 0x80}, {R}},
-        {"beyond U+10FFFF start", {0xF4, 0x90}, {R}},
-        {"beyond U+10FFFF three bytes", {0xF4, 0x90, 0x80}, {R}},
+TEST(TextConversionTest, DecodesUtf8AsTheWindowsConverterDoes) {
+    CheckDecoding(
+        // The empty text, then well-formed UTF-8 at every length boundary.
+        " > | 41 42 43 > 41 42 43 | 41 00 42 > 41 00 42 | 7F > 7F | C2 80 > 80 | C3 A9 > E9 | "
+        "DF BF > 7FF | E0 A0 80 > 800 | E2 82 AC > 20AC | ED 9F BF > D7FF | EE 80 80 > E000 | "
+        "EF BF BD > FFFD | EF BF BF > FFFF | F0 90 80 80 > 10000 | F0 9F 98 80 > 1F600 | "
+        "F4 8F BF BF > 10FFFF | "
+        // Overlong and out-of-range forms: the lead and the offending second byte make one
+        // U+FFFD, each remaining byte another.
+        "C0 80 > R R | C1 BF > R R | E0 80 80 > R R | E0 9F BF > R R | F0 80 80 80 > R R R | "
+        "F0 8F BF BF > R R R | ED A0 80 > R R | ED BF BF > R R | ED A0 BD ED B8 80 > R R R R | "
+        "F4 90 80 80 > R R R | E0 80 41 > R 41 | ED A0 41 > R 41 | "
+        // Bytes that cannot start a sequence each yield one replacement.
+        "80 > R | BF > R | 80 80 41 > R R 41 | 41 80 42 > 41 R 42 | C3 A9 80 > E9 R | C0 > R | "
+        "C1 41 > R 41 | F5 > R | F5 41 > R 41 | F5 80 80 80 > R R R R | F7 BF BF BF > R R R R | "
+        "F8 88 80 80 80 > R R R R R | FC 84 80 80 80 80 > R R R R R R | FE > R | FF 41 > R 41 | "
+        // A sequence cut short by the end swallows the rest of the text.
+        "41 C3 > 41 R | 41 E2 > 41 R | 41 E2 82 > 41 R | 41 F0 > 41 R | 41 F0 9F > 41 R | "
+        "41 F0 9F 98 > 41 R | C0 > R | E0 80 > R | ED A0 > R | F0 80 80 > R | F4 90 > R | "
+        "F4 90 80 > R | "
         // Too few bytes left for what the lead announces: the ascii after it goes too.
-        {"E2 then ascii", {0xE2, 0x41}, {R}},
-        {"F0 9F then ascii", {0xF0, 0x9F, 0x41}, {R}},
-    });
+        "E2 41 > R | F0 9F 41 > R | "
+        // A sequence broken inside the text yields one replacement and resumes.
+        "C3 41 > R 41 | E2 82 41 > R 41 | F0 9F 98 41 > R 41 | C3 C3 A9 > R E9 | E0 C3 A9 > R E9 | "
+        "E2 82 E2 82 AC > R 20AC | F0 9F 98 F0 9F 98 80 > R 1F600");
 }
 
-TEST(TextConversionTest, SequenceBrokenInsideTextYieldsOneReplacementAndResumes) {
-    CheckDecoding({
-        {"C3 then ascii", {0xC3, 0x41}, {R, 0x41}},
-        {"E2 82 then ascii", {0xE2, 0x82, 0x41}, {R, 0x41}},
-        {"F0 9F 98 then ascii", {0xF0, 0x9F, 0x98, 0x41}, {R, 0x41}},
-        {"C3 then U+00E9", {0xC3, 0xC3, 0xA9}, {R, 0xE9}},
-        {"E0 then U+00E9", {0xE0, 0xC3, 0xA9}, {R, 0xE9}},
-        {"E2 82 then U+20AC", {0xE2, 0x82, 0xE2, 0x82, 0xAC}, {R, 0x20AC}},
-        {"F0 9F 98 then U+1F600", {0xF0, 0x9F, 0x98, 0xF0, 0x9F, 0x98, 0x80}, {R, 0x1F600}},
-    });
-}
-
-TEST(TextConversionTest, EncodesScalarValuesAtEveryLengthBoundary) {
-    CheckEncoding({
-        {"ascii", {0x41, 0x42}, {0x41, 0x42}},
-        {"embedded nul", {0x41, 0x00, 0x42}, {0x41, 0x00, 0x42}},
-        {"U+007F", {0x7F}, {0x7F}},
-        {"U+0080", {0x80}, {0xC2, 0x80}},
-        {"U+07FF", {0x7FF}, {0xDF, 0xBF}},
-        {"U+0800", {0x800}, {0xE0, 0xA0, 0x80}},
-        {"U+20AC", {0x20AC}, {0xE2, 0x82, 0xAC}},
-        {"U+FFFD", {0xFFFD}, {0xEF, 0xBF, 0xBD}},
-        {"U+FFFF", {0xFFFF}, {0xEF, 0xBF, 0xBF}},
-        {"U+10000", {0x10000}, {0xF0, 0x90, 0x80, 0x80}},
-        {"U+1F600", {0x1F600}, {0xF0, 0x9F, 0x98, 0x80}},
-        {"U+10FFFF", {0x10FFFF}, {0xF4, 0x8F, 0xBF, 0xBF}},
-    });
-}
-
-TEST(TextConversionTest, EachUnpairedSurrogateBecomesOneReplacement) {
-    CheckEncoding({
-        {"high at end", {0x41, 0xD83D}, {0x41, 0xEF, 0xBF, 0xBD}},
-        {"high before ascii", {0xD83D, 0x41}, {0xEF, 0xBF, 0xBD, 0x41}},
-        {"lone low", {0xDE00}, {0xEF, 0xBF, 0xBD}},
-        {"low inside ascii", {0x41, 0xDE00, 0x42}, {0x41, 0xEF, 0xBF, 0xBD, 0x42}},
-        {"reversed pair", {0xDE00, 0xD83D}, {0xEF, 0xBF, 0xBD, 0xEF, 0xBF, 0xBD}},
-        {"two highs", {0xD800, 0xDBFF}, {0xEF, 0xBF, 0xBD, 0xEF, 0xBF, 0xBD}},
-        {"two lows", {0xDC00, 0xDC00}, {0xEF, 0xBF, 0xBD, 0xEF, 0xBF, 0xBD}},
-        {"high before a pair", {0xD83D, 0x1F600}, {0xEF, 0xBF, 0xBD, 0xF0, 0x9F, 0x98, 0x80}},
-    });
-}
-
-TEST(TextConversionTest, SupplementaryCharacterIsOneCodePointInTheWideForm) {
-    // A surrogate pair where wchar_t is 16 bits, a single wchar_t where it is 32 bits.
-    EXPECT_EQ(Utf8ToWide("\xF0\x9F\x98\x80"), std::wstring(L"\U0001F600"));
-    EXPECT_EQ(WideToUtf8(L"\U0001F600"), std::string("\xF0\x9F\x98\x80"));
+TEST(TextConversionTest, EncodesWideTextAsTheWindowsConverterDoes) {
+    CheckEncoding(
+        // The empty text, then scalar values at every length boundary.
+        " > | 41 42 > 41 42 | 41 00 42 > 41 00 42 | 7F > 7F | 80 > C2 80 | 7FF > DF BF | "
+        "800 > E0 A0 80 | 20AC > E2 82 AC | FFFD > R | FFFF > EF BF BF | 10000 > F0 90 80 80 | "
+        "1F600 > F0 9F 98 80 | 10FFFF > F4 8F BF BF | "
+        // Each unpaired surrogate becomes one replacement.
+        "41 D83D > 41 R | D83D 41 > R 41 | DE00 > R | 41 DE00 42 > 41 R 42 | DE00 D83D > R R | "
+        "D800 DBFF > R R | DC00 DC00 > R R | D83D 1F600 > R F0 9F 98 80");
 }
 
 #if WCHAR_MAX > 0xFFFF
 TEST(TextConversionTest, WideValuesThatAreNotScalarValuesBecomeReplacements) {
     // With 32-bit wchar_t each unit is a code point: surrogates never pair up.
-    CheckEncoding({
-        {"surrogate units in order", {0xD83D, 0xDE00}, {0xEF, 0xBF, 0xBD, 0xEF, 0xBF, 0xBD}},
-        {"U+110000", {0x110000}, {0xEF, 0xBF, 0xBD}},
-        {"largest positive", {0x7FFFFFFF}, {0xEF, 0xBF, 0xBD}},
-        {"negative", {0xFFFFFFFF}, {0xEF, 0xBF, 0xBD}},
-    });
+    CheckEncoding("D83D DE00 > R R | 110000 > R | 7FFFFFFF > R | FFFFFFFF > R");
 }
 #endif
 
@@ -257,6 +164,10 @@ TEST(TextConversionTest, EveryScalarValueSurvivesARoundTrip) {
     const std::string utf8 = WideToUtf8(Wide(all));
     EXPECT_EQ(utf8.size(), expectedBytes);
     EXPECT_TRUE(CodePoints(Utf8ToWide(utf8)) == all);
+    // The wide form agrees with the compiler's: a surrogate pair where wchar_t is 16 bits.
+    EXPECT_EQ(Utf8ToWide("\xF0\x9F\x98\x80"), std::wstring(L"\U0001F600"));
+    EXPECT_EQ(WideToUtf8(L"\U0001F600"), std::string("\xF0\x9F\x98\x80"));
+    EXPECT_TRUE(Utf8ToWide(std::string_view()).empty() && WideToUtf8(std::wstring_view()).empty());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #ifdef _WIN32
 
 #include "VANTO.h"
+#include "support/ComTestSupport.h"
 
 #include <sddl.h>
 
@@ -127,21 +128,13 @@ private:
 };
 
 // COM on this thread as a single-threaded apartment, as on the host's user-interface thread.
-class Apartment {
-public:
-    Apartment() : hr_(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+struct Apartment {
+    const HRESULT hr = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ~Apartment() {
-        if (SUCCEEDED(hr_)) {
+        if (SUCCEEDED(hr)) {
             ::CoUninitialize();
         }
     }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-
-    HRESULT Result() const { return hr_; }
-
-private:
-    HRESULT hr_;
 };
 
 IClassFactory* ClassObject() {
@@ -156,7 +149,7 @@ IClassFactory* ClassObject() {
 TEST(ComRuntime, LoadsCreatesAndUnloadsTheRegisteredComponent) {
     ASSERT_FALSE(ModuleLoaded()) << "the module must start unloaded in this process";
     const Apartment apartment;
-    ASSERT_EQ(S_OK, apartment.Result());
+    ASSERT_EQ(S_OK, apartment.hr);
     {
         const UserRegistration registration(ModuleNextToProgram());
         ASSERT_EQ(ERROR_SUCCESS, registration.Status());
@@ -182,26 +175,7 @@ TEST(ComRuntime, LoadsCreatesAndUnloadsTheRegisteredComponent) {
         ASSERT_EQ(S_OK, ::CoCreateInstance(CLSID_VANTOManager, nullptr, CLSCTX_INPROC_SERVER,
                                            IID_IUnknown, reinterpret_cast<void**>(&manager)));
         EXPECT_TRUE(ModuleLoaded());
-        IVANTOSession* session = nullptr;
-        IVANTOSession* mockSession = nullptr;
-        IVANTOFileServices* files = nullptr;
-        IVANTOFileServices* mockFiles = nullptr;
-        ASSERT_EQ(S_OK,
-                  manager->QueryInterface(IID_IVANTOSession, reinterpret_cast<void**>(&session)));
-        ASSERT_EQ(S_OK, manager->QueryInterface(IID_IVANTOMockSession,
-                                                reinterpret_cast<void**>(&mockSession)));
-        ASSERT_EQ(S_OK, session->QueryInterface(IID_IVANTOFileServices,
-                                                reinterpret_cast<void**>(&files)));
-        ASSERT_EQ(S_OK, files->QueryInterface(IID_IVANTOMockFileServices,
-                                              reinterpret_cast<void**>(&mockFiles)));
-        // Calls reach the module's code: no connector here, while the mock always has one.
-        EXPECT_FALSE(session->IsCorvaneInstalled());
-        EXPECT_TRUE(mockSession->IsCorvaneInstalled());
-        for (IUnknown* unknown :
-             {static_cast<IUnknown*>(session), static_cast<IUnknown*>(mockSession),
-              static_cast<IUnknown*>(files), static_cast<IUnknown*>(mockFiles)}) {
-            unknown->Release();
-        }
+        testsupport::CallEachInterface(manager);
         EXPECT_EQ(0u, manager->Release());
 
         // A manager has gone: from now on the module answers that it is busy, and stays.
