@@ -1,14 +1,7 @@
-# What a host developer receives: the version resource of the Windows module, the install tree with
-# its CMake package (find_package(VANTO 1.0)), and the .deb (Linux) or .zip (Windows) made by cpack.
+# What a host developer receives: the install tree with its CMake package (find_package(VANTO 1.0)),
+# the version resource of the Windows module, and the .deb (Linux) or .zip (Windows) made by cpack.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
-
-# ---- Version resource: the file's properties and a host's diagnostics show the version --------
-if(WIN32)
-  enable_language(RC)
-  configure_file(${CMAKE_CURRENT_LIST_DIR}/VANTO.rc.in ${CMAKE_BINARY_DIR}/VANTO.rc @ONLY)
-  target_sources(VANTO PRIVATE ${CMAKE_BINARY_DIR}/VANTO.rc)
-endif()
 
 # ---- Install layout ----------------------------------------------------------------------------
 # The headers keep their folders (VANTO.h includes "com/..." and "host/..."), under a folder of
@@ -25,6 +18,13 @@ else()
   set(VANTO_INSTALL_DOCDIR ${CMAKE_INSTALL_DATADIR}/doc/vanto)
 endif()
 set(VANTO_MODULE_FILE VANTO${CMAKE_SHARED_MODULE_SUFFIX})
+
+# The version resource: the file's properties and a host's diagnostics show the version.
+if(WIN32)
+  enable_language(RC)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/VANTO.rc.in ${CMAKE_BINARY_DIR}/VANTO.rc @ONLY)
+  target_sources(VANTO PRIVATE ${CMAKE_BINARY_DIR}/VANTO.rc)
+endif()
 
 # The host tool looks for the module beside itself (the build tree), then where the install puts it.
 file(RELATIVE_PATH VANTO_MODULE_FROM_BINDIR /${CMAKE_INSTALL_BINDIR}
@@ -159,7 +159,7 @@ if(VANTO_BUILD_TESTS)
   endif()
   if(CMAKE_CROSSCOMPILING)
     list(APPEND VANTO_SDK_TEST_ARGS -DTOOLCHAIN=${CMAKE_TOOLCHAIN_FILE} -DWINE_RUN=${VANTO_WINE_RUN}
-         -DDRIVE_Z=${VANTO_WINE_DRIVE_Z})
+         -DDRIVE_Z=${VANTO_WINE_DRIVE_Z} -DCLSID=${VANTO_CLSID})
   else()
     list(APPEND VANTO_SDK_TEST_ARGS -DCXX=${CMAKE_CXX_COMPILER})
   endif()

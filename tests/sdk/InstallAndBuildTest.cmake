@@ -1,10 +1,12 @@
 # A host developer's path through the SDK: install the build into a scratch prefix, configure and
 # build examples/host against that prefix alone, run it (it checks out a document through the
-# mock), and run the installed host tool, which must find the installed module by itself.
+# mock), and run the installed host tool, which must find the installed module by itself. On
+# Windows, also the registration script of the install.
 #   cmake -DBUILD=<build tree> -DEXAMPLE=<examples/host> -DSAMPLE=<VANTOInput.xml> -DWORK=<folder>
 #         -DGENERATOR=<generator> -DBUILD_TYPE=<type> -DCXX_FLAGS=<flags> -DINSTALLED=<files>
 #         [-DCXX=<compiler>]                                    Linux
-#         [-DTOOLCHAIN=<file> -DWINE_RUN=<wine-run> -DDRIVE_Z=<folder of drive Z:>]   Windows
+#         [-DTOOLCHAIN=<file> -DWINE_RUN=<wine-run> -DDRIVE_Z=<folder of drive Z:>
+#          -DCLSID=<{class id}>]                                Windows
 #         -P InstallAndBuildTest.cmake
 # INSTALLED lists files, relative to the prefix, that the install must hold.
 cmake_minimum_required(VERSION 3.25)
@@ -78,3 +80,23 @@ expect_in("${output}" "status: 0x00000000, checked out by: Alice.Moreau [(]me[)]
 
 run("the installed vanto_host" ${run_tool})
 expect_in("${output}" "DllGetClassObject: found" "mock file services +ok")
+
+if(WINE_RUN)
+  # The registration script beside the installed module writes the module's path under the user's
+  # class key, and removes the key again when asked.
+  string(REPLACE "VANTO.dll" "register-vanto.cmd" script "${module}")
+  set(key "HKCU\\Software\\Classes\\CLSID\\${CLSID}\\InprocServer32")
+  run("register-vanto.cmd" ${WINE_RUN} cmd /c ${script})
+  run("reg query after registering" ${WINE_RUN} reg query ${key})
+  string(FIND "${output}" "${module}" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "the registration does not name ${module}:\n${output}")
+  endif()
+  expect_in("${output}" "ThreadingModel +REG_SZ +Apartment")
+  run("register-vanto.cmd /u" ${WINE_RUN} cmd /c ${script} /u)
+  execute_process(COMMAND ${WINE_RUN} reg query ${key} RESULT_VARIABLE result OUTPUT_QUIET
+                  ERROR_QUIET)
+  if(result EQUAL 0)
+    message(FATAL_ERROR "${key} is still there after register-vanto.cmd /u")
+  endif()
+endif()
