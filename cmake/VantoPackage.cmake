@@ -29,7 +29,10 @@ endif()
 # The host tool looks for the module beside itself (the build tree), then where the install puts it.
 file(RELATIVE_PATH VANTO_MODULE_FROM_BINDIR /${CMAKE_INSTALL_BINDIR}
      /${VANTO_INSTALL_MODULEDIR}/${VANTO_MODULE_FILE})
-target_compile_definitions(vanto_host PRIVATE VANTO_INSTALLED_MODULE="${VANTO_MODULE_FROM_BINDIR}")
+if(TARGET vanto_host)
+  target_compile_definitions(vanto_host
+                             PRIVATE VANTO_INSTALLED_MODULE="${VANTO_MODULE_FROM_BINDIR}")
+endif()
 
 # ---- What a host compiles and links against ----------------------------------------------------
 # The interfaces' data hold GUserText, the host's text class. Its stand-in goes with the headers
