@@ -62,8 +62,9 @@ TEST_F(FrameTest, BeforeRegistrationEachMethodSendsNothingAndGivesItsOwnResult) 
         {"AddProjectToSync", [&] { return files->AddProjectToSync(L"urn:p", &code); }, S_OK},
         {"GetFileAccessPermissions",
          [&] { return files->GetFileAccessPermissions(paths, &permissions); }, S_OK},
+        // Without a folder or file type: the session is tested before the arguments.
         {"GenerateItemIDAndRevision",
-         [&] { return files->GenerateItemIDAndRevision(L"/w", L"par", count, &ids); }, S_OK},
+         [&] { return files->GenerateItemIDAndRevision(L"", L"", count, &ids); }, S_OK},
         {"GenerateNextRevisionID", [&] { return files->GenerateNextRevisionID(path, &revision); },
          S_OK},
         {"SetDataObject", [&] { return files->SetDataObject(L"k", L"d"); }, S_OK},

@@ -5,6 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
+// Host texts as text in failure messages. Defined here, where every test that compares them sees
+// it, so that the printer gtest builds for the type is the same in each of them.
+inline void PrintTo(const GUserText& text, std::ostream* out) {
+    *out << '"' << text.Narrow() << '"';
+}
+
 namespace testsupport {
 
 // The current reference count of an interface, read through AddRef/Release.

@@ -1,0 +1,95 @@
+// Every slot of the real file-services interface, with a session and answers that let each call
+// go all the way: the commands each one sends, in order. A slot that works through other slots
+// sends what they send; the inert ones and LogErrors send nothing.
+#include "fileservices/FileServicesFixture.h"
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+
+namespace {
+
+using testsupport::Line;
+using testsupport::Lines;
+using testsupport::Texts;
+
+class FileServicesSlots : public testsupport::FileServicesTest {};
+
+TEST_F(FileServicesSlots, EachSlotSendsTheCommandsOfItsMethod) {
+    // The file is monitored, has properties and is named in each answer that lists files.
+    connector.Answer("ISPATHMONITORED",
+                     R"({"Errors":[],"PathToIsMonitored":[{"Key":"/w/a.par","Value":true}]})");
+    connector.Answer("GETPROPERTIES", R"({"Errors":[],"FilePropertiesArray":[)"
+                                      R"({"FilePath":"/w/a.par","ObjectTypeToPropertiesArray":[)"
+                                      R"({"ObjectType":1,"Properties":[)"
+                                      R"({"Name":"LockedBy","PropertyValues":["ann"]}]}]}]})");
+    const GUserText path(L"/w/a.par");
+    FileCheckInList checkIns{{path, 0, GUserText()}};
+    FileLockStatusMap locks{{path, FileLockStatus()}};
+    PathMonitoredMap monitored;
+    FileStatusInformation status;
+    DocumentStampMap stamps{{path, DocumentStamp()}};
+    FileUidPathMap uids{{L"uid-1", GUserText()}};
+    FileContextList contexts;
+    ContainerList containers;
+    std::int32_t containerStatus = 0;
+    AccessPermissionMap permissions;
+    std::int32_t count = 1;
+    ItemIdRevisionList ids;
+    GUserText revision;
+    FilePropertyList properties;
+    PathList names;
+    RelationMap relations;
+    std::uint32_t code = 4;
+    const Texts propertiesThenNewer{"GETPROPERTIES", "CHECKFORNEWERVERSION"};
+    // Slots 3 to 29 in order.
+    const std::pair<std::function<void()>, Texts> slots[] = {
+        {[&] { files->CheckIn(&checkIns); }, {"UNLOCKDESIGNREVISIONS"}},
+        {[&] { files->CheckOut(&locks); }, {"GETSESSIONINFO", "LOCKDESIGNREVISIONS"}},
+        {[&] { files->IsValidCorvaneFile({path}, &monitored); }, {"ISPATHMONITORED"}},
+        {[&] { files->IsValidCorvaneFile(path); }, {"ISPATHMONITORED"}},
+        {[&] { files->GetStatusInformation(path, &status); }, propertiesThenNewer},
+        {[&] { files->IsNewRevisionAvailable(path); }, {}},
+        {[&] { files->IsNewVersionAvailable(path); }, propertiesThenNewer},
+        {[&] { files->GetCheckOutStatus(&locks, true); },
+         {"GETSESSIONINFO", "GETPROPERTIES", "GETPROPERTIES", "CHECKFORNEWERVERSION"}},
+        {[&] { files->DownloadLatestVersion(path); }, {}},
+        {[&] {
+             files->AttachDocumentToRevision({{path, L"B"}});
+         },
+         {}},
+        {[&] { files->GetDocumentConsistencyStamp(&stamps); }, {"GETPROPERTIES"}},
+        {[&] { files->IsFileSynchronized(path); }, {"ISPATHMONITORED", "GETPROPERTIES"}},
+        {[&] { files->GetFilePath(&uids); }, {"GETFILEPATHBYUID"}},
+        {[&] { files->GetContextInformation({path}, &contexts); }, {"GETFILECONTEXTINFO"}},
+        {[&] { files->GetAvailableContainers(&containers, &containerStatus); },
+         {"GETAVAILABLECONTAINERS"}},
+        {[&] { files->AddProjectToSync(L"urn:p", &containerStatus); }, {"ADDPROJECTTOSYNC"}},
+        {[&] { files->GetFileAccessPermissions({path}, &permissions); }, {"GETACCESSPERMISSIONS"}},
+        {[&] { files->GenerateItemIDAndRevision(L"/w", L"par", count, &ids); }, {"GETNEXTID"}},
+        {[&] { files->GenerateNextRevisionID(path, &revision); }, {"GETNEXTREVISIONID"}},
+        {[&] { files->GetProperties({path}, {}, &properties); }, {"GETPROPERTIES"}},
+        {[&] { files->SetDataObject(L"key", L"data"); }, {"SETDATAOBJECT"}},
+        {[&] { files->GetDesignRevisions(L"a", &names); }, {"QUERYDESIGNREVISIONS"}},
+        {[&] { files->AddChildren(path, {L"/w/b.par"}); }, {"ADDCHILDREN"}},
+        {[&] { files->RemoveChildren(path, {L"/w/b.par"}); }, {"GETCHILDREN", "REMOVECHILDREN"}},
+        {[&] { files->GetChildren(path, &relations); }, {"GETCHILDREN"}},
+        {[&] {
+             files->GetCorvaneWUResults({path, L"/w/b.par"}, &relations, false);
+         },
+         {"QUERYPRIMARYOBJECTS", "QUERYPRIMARYOBJECTS"}},
+        {[&] { files->LogErrors(&code); }, {}},
+    };
+    for (std::size_t slot = 0; slot < std::size(slots); ++slot) {
+        SCOPED_TRACE(slot + 3);
+        connector.executeRequests.clear();
+        slots[slot].first();
+        EXPECT_EQ(slots[slot].second, connector.CommandsSent());
+    }
+    // With sound answers nothing went wrong on the way (LogErrors' own line aside).
+    const Lines lines = Take();
+    EXPECT_EQ(1, std::count_if(lines.begin(), lines.end(),
+                               [](const Line& line) { return line.first == 0; }));
+}
+
+} // namespace
