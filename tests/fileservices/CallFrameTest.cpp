@@ -17,63 +17,59 @@ using FrameTest = FileServicesTest;
 
 TEST_F(FrameTest, BeforeRegistrationEachMethodSendsNothingAndGivesItsOwnResult) {
     Unregister();
-    FileCheckInList checkIns{{L"/w/a.par", 5, L"bob"}};
-    FileLockStatusMap locks{{L"/w/a.par", {}}};
-    PathMonitoredMap monitored;
-    FileStatusInformation status;
-    status.isNewVersionAvailable = 7;
-    DocumentStampMap stamps{{L"/w/a.par", {}}};
-    FileUidPathMap uids{{L"id-1", L""}};
-    FileContextList contexts;
-    ContainerList containers;
-    std::int32_t code = 9;
-    AccessPermissionMap permissions;
-    std::int32_t count = 1;
-    ItemIdRevisionList ids;
-    GUserText revision(L"A");
-    PathList names;
-    RelationMap relations;
+    // Inputs that would be sent, and outputs with values of their own that must stay.
+    testsupport::SlotArguments a;
+    a.checkIns = {{L"/w/a.par", 5, L"bob"}};
+    a.locks = {{L"/w/a.par", {}}};
+    a.status.isNewVersionAvailable = 7;
+    a.stamps = {{L"/w/a.par", {}}};
+    a.uids = {{L"id-1", L""}};
+    a.containerStatus = 9;
+    a.revision = L"A";
     const GUserText path(L"/w/a.par");
     const PathList paths{path};
+    // Every method that tests the session; GetProperties and the two inert ones test none and are
+    // covered with their groups.
     const struct {
         const char* method;
         std::function<long()> call;
         long notConnected;
     } methods[] = {
-        {"CheckIn", [&] { return files->CheckIn(&checkIns); }, E_FAIL},
-        {"CheckOut", [&] { return files->CheckOut(&locks); }, E_FAIL},
-        {"IsValidCorvaneFile list", [&] { return files->IsValidCorvaneFile(paths, &monitored); },
+        {"CheckIn", [&] { return files->CheckIn(&a.checkIns); }, E_FAIL},
+        {"CheckOut", [&] { return files->CheckOut(&a.locks); }, E_FAIL},
+        {"IsValidCorvaneFile list", [&] { return files->IsValidCorvaneFile(paths, &a.monitored); },
          E_FAIL},
         {"IsValidCorvaneFile", [&] { return long{files->IsValidCorvaneFile(path)}; }, false},
-        {"GetStatusInformation", [&] { return files->GetStatusInformation(path, &status); },
+        {"GetStatusInformation", [&] { return files->GetStatusInformation(path, &a.status); },
          E_FAIL},
         {"IsNewRevisionAvailable", [&] { return long{files->IsNewRevisionAvailable(path)}; },
          false},
         {"IsNewVersionAvailable", [&] { return long{files->IsNewVersionAvailable(path)}; }, false},
-        {"GetCheckOutStatus", [&] { return files->GetCheckOutStatus(&locks, true); }, S_OK},
-        {"GetDocumentConsistencyStamp", [&] { return files->GetDocumentConsistencyStamp(&stamps); },
-         S_OK},
+        {"GetCheckOutStatus", [&] { return files->GetCheckOutStatus(&a.locks, true); }, S_OK},
+        {"GetDocumentConsistencyStamp",
+         [&] { return files->GetDocumentConsistencyStamp(&a.stamps); }, S_OK},
         {"IsFileSynchronized", [&] { return long{files->IsFileSynchronized(path)}; }, true},
-        {"GetFilePath", [&] { return files->GetFilePath(&uids); }, S_OK},
-        {"GetContextInformation", [&] { return files->GetContextInformation(paths, &contexts); },
+        {"GetFilePath", [&] { return files->GetFilePath(&a.uids); }, S_OK},
+        {"GetContextInformation", [&] { return files->GetContextInformation(paths, &a.contexts); },
          S_OK},
         {"GetAvailableContainers",
-         [&] { return files->GetAvailableContainers(&containers, &code); }, S_OK},
-        {"AddProjectToSync", [&] { return files->AddProjectToSync(L"urn:p", &code); }, S_OK},
+         [&] { return files->GetAvailableContainers(&a.containers, &a.containerStatus); }, S_OK},
+        {"AddProjectToSync", [&] { return files->AddProjectToSync(L"urn:p", &a.containerStatus); },
+         S_OK},
         {"GetFileAccessPermissions",
-         [&] { return files->GetFileAccessPermissions(paths, &permissions); }, S_OK},
+         [&] { return files->GetFileAccessPermissions(paths, &a.permissions); }, S_OK},
         // Without a folder or file type: the session is tested before the arguments.
         {"GenerateItemIDAndRevision",
-         [&] { return files->GenerateItemIDAndRevision(L"", L"", count, &ids); }, S_OK},
-        {"GenerateNextRevisionID", [&] { return files->GenerateNextRevisionID(path, &revision); },
+         [&] { return files->GenerateItemIDAndRevision(L"", L"", a.count, &a.ids); }, S_OK},
+        {"GenerateNextRevisionID", [&] { return files->GenerateNextRevisionID(path, &a.revision); },
          S_OK},
         {"SetDataObject", [&] { return files->SetDataObject(L"k", L"d"); }, S_OK},
-        {"GetDesignRevisions", [&] { return files->GetDesignRevisions(L"a", &names); }, S_OK},
+        {"GetDesignRevisions", [&] { return files->GetDesignRevisions(L"a", &a.names); }, S_OK},
         {"AddChildren", [&] { return files->AddChildren(path, paths); }, S_OK},
         {"RemoveChildren", [&] { return files->RemoveChildren(path, paths); }, S_OK},
-        {"GetChildren", [&] { return files->GetChildren(path, &relations); }, S_OK},
+        {"GetChildren", [&] { return files->GetChildren(path, &a.relations); }, S_OK},
         {"GetCorvaneWUResults",
-         [&] { return files->GetCorvaneWUResults(paths, &relations, false); }, S_OK},
+         [&] { return files->GetCorvaneWUResults(paths, &a.relations, false); }, S_OK},
     };
     for (const auto& method : methods) {
         SCOPED_TRACE(method.method);
@@ -83,14 +79,14 @@ TEST_F(FrameTest, BeforeRegistrationEachMethodSendsNothingAndGivesItsOwnResult) 
     }
     EXPECT_TRUE(connector.executeRequests.empty());
     // Nothing of the caller's was touched.
-    EXPECT_EQ(5, checkIns[0].errorCode);
-    EXPECT_FALSE(locks.begin()->second.isCheckedOut);
-    EXPECT_TRUE(monitored.empty() && contexts.empty() && containers.empty() &&
-                permissions.empty() && ids.empty() && names.empty() && relations.empty());
-    EXPECT_EQ(7, status.isNewVersionAvailable);
-    EXPECT_EQ(9, code);
-    EXPECT_EQ(L"A", revision.wstr());
-    EXPECT_TRUE(uids.begin()->second.IsEmpty());
+    EXPECT_EQ(5, a.checkIns[0].errorCode);
+    EXPECT_FALSE(a.locks.begin()->second.isCheckedOut);
+    EXPECT_TRUE(a.monitored.empty() && a.contexts.empty() && a.containers.empty() &&
+                a.permissions.empty() && a.ids.empty() && a.names.empty() && a.relations.empty());
+    EXPECT_EQ(7, a.status.isNewVersionAvailable);
+    EXPECT_EQ(9, a.containerStatus);
+    EXPECT_EQ(L"A", a.revision.wstr());
+    EXPECT_TRUE(a.uids.begin()->second.IsEmpty());
 }
 
 TEST_F(FrameTest, EveryKindOfExceptionBecomesTheGuardsLineAndTheFailureResult) {

@@ -24,61 +24,52 @@ TEST_F(FileServicesSlots, EachSlotSendsTheCommandsOfItsMethod) {
                                       R"({"ObjectType":1,"Properties":[)"
                                       R"({"Name":"LockedBy","PropertyValues":["ann"]}]}]}]})");
     const GUserText path(L"/w/a.par");
-    FileCheckInList checkIns{{path, 0, GUserText()}};
-    FileLockStatusMap locks{{path, FileLockStatus()}};
-    PathMonitoredMap monitored;
-    FileStatusInformation status;
-    DocumentStampMap stamps{{path, DocumentStamp()}};
-    FileUidPathMap uids{{L"uid-1", GUserText()}};
-    FileContextList contexts;
-    ContainerList containers;
-    std::int32_t containerStatus = 0;
-    AccessPermissionMap permissions;
-    std::int32_t count = 1;
-    ItemIdRevisionList ids;
-    GUserText revision;
-    FilePropertyList properties;
-    PathList names;
-    RelationMap relations;
-    std::uint32_t code = 4;
+    // The maps and lists that are read name the file.
+    testsupport::SlotArguments a;
+    a.checkIns = {{path, 0, GUserText()}};
+    a.locks = {{path, FileLockStatus()}};
+    a.stamps = {{path, DocumentStamp()}};
+    a.uids = {{L"uid-1", GUserText()}};
+    a.code = 4;
     const Texts propertiesThenNewer{"GETPROPERTIES", "CHECKFORNEWERVERSION"};
     // Slots 3 to 29 in order.
     const std::pair<std::function<void()>, Texts> slots[] = {
-        {[&] { files->CheckIn(&checkIns); }, {"UNLOCKDESIGNREVISIONS"}},
-        {[&] { files->CheckOut(&locks); }, {"GETSESSIONINFO", "LOCKDESIGNREVISIONS"}},
-        {[&] { files->IsValidCorvaneFile({path}, &monitored); }, {"ISPATHMONITORED"}},
+        {[&] { files->CheckIn(&a.checkIns); }, {"UNLOCKDESIGNREVISIONS"}},
+        {[&] { files->CheckOut(&a.locks); }, {"GETSESSIONINFO", "LOCKDESIGNREVISIONS"}},
+        {[&] { files->IsValidCorvaneFile({path}, &a.monitored); }, {"ISPATHMONITORED"}},
         {[&] { files->IsValidCorvaneFile(path); }, {"ISPATHMONITORED"}},
-        {[&] { files->GetStatusInformation(path, &status); }, propertiesThenNewer},
+        {[&] { files->GetStatusInformation(path, &a.status); }, propertiesThenNewer},
         {[&] { files->IsNewRevisionAvailable(path); }, {}},
         {[&] { files->IsNewVersionAvailable(path); }, propertiesThenNewer},
-        {[&] { files->GetCheckOutStatus(&locks, true); },
+        {[&] { files->GetCheckOutStatus(&a.locks, true); },
          {"GETSESSIONINFO", "GETPROPERTIES", "GETPROPERTIES", "CHECKFORNEWERVERSION"}},
         {[&] { files->DownloadLatestVersion(path); }, {}},
         {[&] {
              files->AttachDocumentToRevision({{path, L"B"}});
          },
          {}},
-        {[&] { files->GetDocumentConsistencyStamp(&stamps); }, {"GETPROPERTIES"}},
+        {[&] { files->GetDocumentConsistencyStamp(&a.stamps); }, {"GETPROPERTIES"}},
         {[&] { files->IsFileSynchronized(path); }, {"ISPATHMONITORED", "GETPROPERTIES"}},
-        {[&] { files->GetFilePath(&uids); }, {"GETFILEPATHBYUID"}},
-        {[&] { files->GetContextInformation({path}, &contexts); }, {"GETFILECONTEXTINFO"}},
-        {[&] { files->GetAvailableContainers(&containers, &containerStatus); },
+        {[&] { files->GetFilePath(&a.uids); }, {"GETFILEPATHBYUID"}},
+        {[&] { files->GetContextInformation({path}, &a.contexts); }, {"GETFILECONTEXTINFO"}},
+        {[&] { files->GetAvailableContainers(&a.containers, &a.containerStatus); },
          {"GETAVAILABLECONTAINERS"}},
-        {[&] { files->AddProjectToSync(L"urn:p", &containerStatus); }, {"ADDPROJECTTOSYNC"}},
-        {[&] { files->GetFileAccessPermissions({path}, &permissions); }, {"GETACCESSPERMISSIONS"}},
-        {[&] { files->GenerateItemIDAndRevision(L"/w", L"par", count, &ids); }, {"GETNEXTID"}},
-        {[&] { files->GenerateNextRevisionID(path, &revision); }, {"GETNEXTREVISIONID"}},
-        {[&] { files->GetProperties({path}, {}, &properties); }, {"GETPROPERTIES"}},
+        {[&] { files->AddProjectToSync(L"urn:p", &a.containerStatus); }, {"ADDPROJECTTOSYNC"}},
+        {[&] { files->GetFileAccessPermissions({path}, &a.permissions); },
+         {"GETACCESSPERMISSIONS"}},
+        {[&] { files->GenerateItemIDAndRevision(L"/w", L"par", a.count, &a.ids); }, {"GETNEXTID"}},
+        {[&] { files->GenerateNextRevisionID(path, &a.revision); }, {"GETNEXTREVISIONID"}},
+        {[&] { files->GetProperties({path}, {}, &a.properties); }, {"GETPROPERTIES"}},
         {[&] { files->SetDataObject(L"key", L"data"); }, {"SETDATAOBJECT"}},
-        {[&] { files->GetDesignRevisions(L"a", &names); }, {"QUERYDESIGNREVISIONS"}},
+        {[&] { files->GetDesignRevisions(L"a", &a.names); }, {"QUERYDESIGNREVISIONS"}},
         {[&] { files->AddChildren(path, {L"/w/b.par"}); }, {"ADDCHILDREN"}},
         {[&] { files->RemoveChildren(path, {L"/w/b.par"}); }, {"GETCHILDREN", "REMOVECHILDREN"}},
-        {[&] { files->GetChildren(path, &relations); }, {"GETCHILDREN"}},
+        {[&] { files->GetChildren(path, &a.relations); }, {"GETCHILDREN"}},
         {[&] {
-             files->GetCorvaneWUResults({path, L"/w/b.par"}, &relations, false);
+             files->GetCorvaneWUResults({path, L"/w/b.par"}, &a.relations, false);
          },
          {"QUERYPRIMARYOBJECTS", "QUERYPRIMARYOBJECTS"}},
-        {[&] { files->LogErrors(&code); }, {}},
+        {[&] { files->LogErrors(&a.code); }, {}},
     };
     for (std::size_t slot = 0; slot < std::size(slots); ++slot) {
         SCOPED_TRACE(slot + 3);

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +26,27 @@ inline constexpr const wchar_t* NotValidLine = L"Corvane session is not a valid 
 inline Line ExceptionLine(const std::wstring& what) {
     return {0, L"Corvane session is not a valid session - exception from Execute call : " + what};
 }
+
+// One of each argument the file-service slots take, for tests that walk all of them.
+struct SlotArguments {
+    FileCheckInList checkIns;
+    FileLockStatusMap locks;
+    PathMonitoredMap monitored;
+    FileStatusInformation status;
+    DocumentStampMap stamps;
+    FileUidPathMap uids;
+    FileContextList contexts;
+    ContainerList containers;
+    std::int32_t containerStatus = 0;
+    AccessPermissionMap permissions;
+    std::int32_t count = 1;
+    ItemIdRevisionList ids;
+    GUserText revision;
+    FilePropertyList properties;
+    PathList names;
+    RelationMap relations;
+    std::uint32_t code = 0;
+};
 
 class FileServicesTest : public ::testing::Test {
 protected:

@@ -1,7 +1,7 @@
 // Every file-service slot reaches the method of its name, which opens its scope record with that
 // name (all but IsFileSynchronized and LogErrors) and closes it before returning, whatever state
 // the session is in.
-#include "support/ComTestSupport.h"
+#include "fileservices/FileServicesFixture.h"
 
 #include "host/HostLog.h"
 #include "session/SessionState.h"
@@ -19,55 +19,39 @@ TEST(FileServicesScopeRecords, EachSlotOpensAndClosesTheRecordOfItsMethod) {
     vanto::ResetSessionStateForTesting();
     testsupport::ManagerHandle manager;
     IVANTOFileServices* files = manager.FileServices();
-    FileCheckInList checkIns;
-    FileLockStatusMap locks;
-    PathMonitoredMap monitored;
-    FileStatusInformation status;
-    DocumentStampMap stamps;
-    FileUidPathMap uids;
-    FileContextList contexts;
-    ContainerList containers;
-    std::int32_t containerStatus = 0;
-    AccessPermissionMap permissions;
-    std::int32_t count = 1;
-    ItemIdRevisionList ids;
-    GUserText revision;
-    FilePropertyList properties;
-    PathList names;
-    RelationMap relations;
-    std::uint32_t code = 0;
+    testsupport::SlotArguments a;
     const GUserText path(L"C:\\none\\part.par");
     // Slots 3 to 29 in order, with arguments that touch nothing outside the test.
     const std::pair<const wchar_t*, std::function<void()>> calls[] = {
-        {L"CheckIn", [&] { files->CheckIn(&checkIns); }},
-        {L"CheckOut", [&] { files->CheckOut(&locks); }},
-        {L"IsValidCorvaneFile", [&] { files->IsValidCorvaneFile(PathList{}, &monitored); }},
+        {L"CheckIn", [&] { files->CheckIn(&a.checkIns); }},
+        {L"CheckOut", [&] { files->CheckOut(&a.locks); }},
+        {L"IsValidCorvaneFile", [&] { files->IsValidCorvaneFile(PathList{}, &a.monitored); }},
         {L"IsValidCorvaneFile", [&] { files->IsValidCorvaneFile(path); }},
-        {L"GetStatusInformation", [&] { files->GetStatusInformation(path, &status); }},
+        {L"GetStatusInformation", [&] { files->GetStatusInformation(path, &a.status); }},
         {L"IsNewRevisionAvailable", [&] { files->IsNewRevisionAvailable(path); }},
         {L"IsNewVersionAvailable", [&] { files->IsNewVersionAvailable(path); }},
-        {L"GetCheckOutStatus", [&] { files->GetCheckOutStatus(&locks, false); }},
+        {L"GetCheckOutStatus", [&] { files->GetCheckOutStatus(&a.locks, false); }},
         {L"DownloadLatestVersion", [&] { files->DownloadLatestVersion(path); }},
         {L"AttachDocumentToRevision", [&] { files->AttachDocumentToRevision({}); }},
-        {L"GetDocumentConsistencyStamp", [&] { files->GetDocumentConsistencyStamp(&stamps); }},
+        {L"GetDocumentConsistencyStamp", [&] { files->GetDocumentConsistencyStamp(&a.stamps); }},
         {nullptr, [&] { files->IsFileSynchronized(path); }},
-        {L"GetFilePath", [&] { files->GetFilePath(&uids); }},
-        {L"GetContextInformation", [&] { files->GetContextInformation({}, &contexts); }},
+        {L"GetFilePath", [&] { files->GetFilePath(&a.uids); }},
+        {L"GetContextInformation", [&] { files->GetContextInformation({}, &a.contexts); }},
         {L"GetAvailableContainers",
-         [&] { files->GetAvailableContainers(&containers, &containerStatus); }},
-        {L"AddProjectToSync", [&] { files->AddProjectToSync(L"urn:none", &containerStatus); }},
-        {L"GetFileAccessPermissions", [&] { files->GetFileAccessPermissions({}, &permissions); }},
+         [&] { files->GetAvailableContainers(&a.containers, &a.containerStatus); }},
+        {L"AddProjectToSync", [&] { files->AddProjectToSync(L"urn:none", &a.containerStatus); }},
+        {L"GetFileAccessPermissions", [&] { files->GetFileAccessPermissions({}, &a.permissions); }},
         {L"GenerateItemIDAndRevision",
-         [&] { files->GenerateItemIDAndRevision(GUserText(), GUserText(), count, &ids); }},
-        {L"GenerateNextRevisionID", [&] { files->GenerateNextRevisionID(path, &revision); }},
-        {L"GetProperties", [&] { files->GetProperties({}, {}, &properties); }},
+         [&] { files->GenerateItemIDAndRevision(GUserText(), GUserText(), a.count, &a.ids); }},
+        {L"GenerateNextRevisionID", [&] { files->GenerateNextRevisionID(path, &a.revision); }},
+        {L"GetProperties", [&] { files->GetProperties({}, {}, &a.properties); }},
         {L"SetDataObject", [&] { files->SetDataObject(L"key", L"data"); }},
-        {L"GetDesignRevisions", [&] { files->GetDesignRevisions(L"part", &names); }},
+        {L"GetDesignRevisions", [&] { files->GetDesignRevisions(L"part", &a.names); }},
         {L"AddChildren", [&] { files->AddChildren(path, {}); }},
         {L"RemoveChildren", [&] { files->RemoveChildren(path, {}); }},
-        {L"GetChildren", [&] { files->GetChildren(path, &relations); }},
-        {L"GetCorvaneWUResults", [&] { files->GetCorvaneWUResults({}, &relations, false); }},
-        {nullptr, [&] { files->LogErrors(&code); }},
+        {L"GetChildren", [&] { files->GetChildren(path, &a.relations); }},
+        {L"GetCorvaneWUResults", [&] { files->GetCorvaneWUResults({}, &a.relations, false); }},
+        {nullptr, [&] { files->LogErrors(&a.code); }},
     };
     CapturingLogSink log;
     const auto records = [&log](LogRecord::Kind kind) {
