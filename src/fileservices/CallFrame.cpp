@@ -60,11 +60,27 @@ void CallFrame::SetSessionId(Core::CommandIO::CommandInputBase& input) {
 Core::TevString CallFrame::Exchange(const Core::TevString& request, const wchar_t* logName) const {
     Core::TevString answer = self_.Manager().RequireProxy().Execute(request);
     if (logName != nullptr) {
-        const std::wstring name(logName);
-        Info((name + L" Input: %s").c_str(), FromUtf8(request));
-        Info((name + L" Output: %s").c_str(), FromUtf8(answer));
+        LogExchanged(logName, L" Input: ", request);
+        LogExchanged(logName, L" Output: ", answer);
     }
     return answer;
+}
+
+// "<logName><label><text>", the line that the format "<logName><label>%s" gives. The texts are
+// whole requests and answers, megabytes for a large call, so the line is put together in UTF-8
+// and widened once, straight into the text that goes to the log: formatting the widened text
+// would copy it three more times. A name with a conversion in it goes the general way.
+void CallFrame::LogExchanged(const wchar_t* logName, const wchar_t* label,
+                             const Core::TevString& text) const {
+    const std::wstring head = std::wstring(logName) + label;
+    if (head.find(L'%') != std::wstring::npos) {
+        Info((head + L"%s").c_str(), FromUtf8(text));
+        return;
+    }
+    std::string line = platform::os::WideToUtf8(head);
+    line.reserve(line.size() + text.size());
+    line += std::string_view(text);
+    WriteLogMessage(SeverityInformation, platform::os::Utf8ToWide(line));
 }
 
 bool CallFrame::Failed(const CommandOutputBase& output, const wchar_t* failureMessage,

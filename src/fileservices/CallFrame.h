@@ -135,6 +135,8 @@ private:
     }
     static void SetSessionId(Core::CommandIO::CommandInputBase& input);
     Core::TevString Exchange(const Core::TevString& request, const wchar_t* logName) const;
+    void LogExchanged(const wchar_t* logName, const wchar_t* label,
+                      const Core::TevString& text) const;
 
     VANTOManager::VANTOFileServices& self_;
     std::optional<LogEntry> scope_;

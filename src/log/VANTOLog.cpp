@@ -1,5 +1,7 @@
 #include "log/VANTOLog.h"
 
+#include <utility>
+
 namespace vanto {
 
 std::wstring FormatLogText(const std::wstring& format, std::initializer_list<const wchar_t*> args) {
@@ -39,8 +41,8 @@ void LogExceptionText(const wchar_t* prefix, const char* what) {
     WriteLogMessage(SeverityError, FormatLogText(text, {}));
 }
 
-void WriteLogMessage(int severity, const std::wstring& text) {
-    PDMWriteLog(LogTypeMessage, GUserText(LogSource), GUserText(text), severity);
+void WriteLogMessage(int severity, std::wstring text) {
+    PDMWriteLog(LogTypeMessage, GUserText(LogSource), GUserText(std::move(text)), severity);
 }
 
 } // namespace vanto

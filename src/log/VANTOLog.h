@@ -28,7 +28,8 @@ inline LogEntry OpenScope(const wchar_t* methodTag) {
 // and anything else after a "%" (including "%n" and a trailing "%") is copied literally.
 std::wstring FormatLogText(const std::wstring& format, std::initializer_list<const wchar_t*> args);
 
-void WriteLogMessage(int severity, const std::wstring& text);
+// Writes `text` as it is (no formatting) to the developer log.
+void WriteLogMessage(int severity, std::wstring text);
 
 // Texts that the session and the file services share.
 inline constexpr const wchar_t* NotAValidSessionText = L"Corvane session is not a valid session.";
