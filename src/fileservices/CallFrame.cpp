@@ -57,29 +57,34 @@ void CallFrame::SetSessionId(Core::CommandIO::CommandInputBase& input) {
     input.SessionId = vanto::Session().sessionId;
 }
 
-Core::TevString CallFrame::Exchange(const Core::TevString& request, const wchar_t* logName) const {
+Core::TevString CallFrame::Exchange(const Core::TevString& request,
+                                    const RequestLog* requestLog) const {
     Core::TevString answer = self_.Manager().RequireProxy().Execute(request);
-    if (logName != nullptr) {
-        LogExchanged(logName, L" Input: ", request);
-        LogExchanged(logName, L" Output: ", answer);
+    if (requestLog != nullptr) {
+        LogExchanged(requestLog->input, request);
+        LogExchanged(requestLog->output, answer);
     }
     return answer;
 }
 
-// "<logName><label><text>", the line that the format "<logName><label>%s" gives. The texts are
-// whole requests and answers, megabytes for a large call, so the line is put together in UTF-8
-// and widened once, straight into the text that goes to the log: formatting the widened text
-// would copy it three more times. A name with a conversion in it goes the general way.
-void CallFrame::LogExchanged(const wchar_t* logName, const wchar_t* label,
-                             const Core::TevString& text) const {
-    const std::wstring head = std::wstring(logName) + label;
-    if (head.find(L'%') != std::wstring::npos) {
-        Info((head + L"%s").c_str(), FromUtf8(text));
+// The line that `format` gives with `text`. The texts are whole requests and answers, megabytes
+// for a large call, so a format "<head>%s" (no other conversion) has its line put together in
+// UTF-8 and widened once, straight into the text that goes to the log: formatting the widened
+// text would copy it three more times. Any other format goes the general way.
+void CallFrame::LogExchanged(const wchar_t* format, const Core::TevString& text) const {
+    const std::wstring_view whole(format);
+    const std::size_t conversion = whole.find(L'%');
+    if (conversion == std::wstring_view::npos || conversion + 2 != whole.size() ||
+        whole[conversion + 1] != L's') {
+        Info(format, FromUtf8(text));
         return;
     }
-    std::string line = platform::os::WideToUtf8(head);
-    line.reserve(line.size() + text.size());
-    line += std::string_view(text);
+    std::string line = platform::os::WideToUtf8(whole.substr(0, conversion));
+    // The formatter stops at the first null character of the widened text; so does this.
+    std::string_view body(text);
+    body = body.substr(0, body.find('\0'));
+    line.reserve(line.size() + body.size());
+    line += body;
     WriteLogMessage(SeverityInformation, platform::os::Utf8ToWide(line));
 }
 
