@@ -119,7 +119,7 @@ public:
     void Warning(const wchar_t* text) const;
     // "%s" formats with wide texts.
     template <class... Args> void Info(const wchar_t* format, const Args&... args) const {
-        LogMessage(&self_.Manager(), SeverityInformation, GUserText(format), args...);
+        LogMessage(&self_.Manager(), SeverityInformation, format, args...);
     }
 
     // The interface the method belongs to, reached through its table, as the host reaches it.

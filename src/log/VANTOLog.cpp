@@ -4,9 +4,14 @@
 
 namespace vanto {
 
-std::wstring FormatLogText(const std::wstring& format, std::initializer_list<const wchar_t*> args) {
+std::wstring FormatLogText(std::wstring_view format, std::initializer_list<const wchar_t*> args) {
+    // Room for the format and every argument, so that the text grows once.
+    std::size_t length = format.size();
+    for (const wchar_t* arg : args) {
+        length += arg != nullptr ? std::char_traits<wchar_t>::length(arg) : 0;
+    }
     std::wstring text;
-    text.reserve(format.size());
+    text.reserve(length);
     auto next = args.begin();
     for (std::size_t i = 0; i < format.size(); ++i) {
         const wchar_t c = format[i];
@@ -42,7 +47,8 @@ void LogExceptionText(const wchar_t* prefix, const char* what) {
 }
 
 void WriteLogMessage(int severity, std::wstring text) {
-    PDMWriteLog(LogTypeMessage, GUserText(LogSource), GUserText(std::move(text)), severity);
+    static const GUserText source(LogSource);
+    PDMWriteLog(LogTypeMessage, source, GUserText(std::move(text)), severity);
 }
 
 } // namespace vanto
