@@ -174,29 +174,34 @@ char32_t ReadWide(std::wstring_view wide, std::size_t& pos) {
 } // namespace
 
 void AppendUtf8ToWide(std::wstring& wide, std::string_view utf8) {
-    // Every byte gives at most one code unit (a four-byte sequence gives two UTF-16 units), so the
-    // text is sized once and written in place: texts here run to tens of megabytes.
-    const std::size_t start = wide.size();
-    wide.resize(start + utf8.size());
-    wchar_t* out = wide.data() + start;
+    // Texts here run to tens of megabytes: they are converted a block at a time into a small
+    // buffer and appended from there, so that the text is written once, never cleared first.
+    // Every byte gives at most one code unit (a four-byte sequence gives two UTF-16 units).
+    constexpr std::size_t Block = 4096;
+    wchar_t block[Block];
+    wide.reserve(wide.size() + utf8.size());
     std::size_t pos = 0;
     while (pos < utf8.size()) {
-        const auto byte = static_cast<unsigned char>(utf8[pos]);
-        if (byte < 0x80) {
-            *out++ = static_cast<wchar_t>(byte);
-            ++pos;
-            continue;
+        wchar_t* out = block;
+        // Stops short of the end by one sequence's worth of units.
+        while (pos < utf8.size() && out < block + Block - 2) {
+            const auto byte = static_cast<unsigned char>(utf8[pos]);
+            if (byte < 0x80) {
+                *out++ = static_cast<wchar_t>(byte);
+                ++pos;
+                continue;
+            }
+            char32_t value = DecodeSequence(utf8, pos);
+            if (kWideIsUtf16 && value > 0xFFFF) {
+                value -= 0x10000;
+                *out++ = static_cast<wchar_t>(0xD800 + (value >> 10));
+                *out++ = static_cast<wchar_t>(0xDC00 + (value & 0x3FF));
+            } else {
+                *out++ = static_cast<wchar_t>(value);
+            }
         }
-        char32_t value = DecodeSequence(utf8, pos);
-        if (kWideIsUtf16 && value > 0xFFFF) {
-            value -= 0x10000;
-            *out++ = static_cast<wchar_t>(0xD800 + (value >> 10));
-            *out++ = static_cast<wchar_t>(0xDC00 + (value & 0x3FF));
-        } else {
-            *out++ = static_cast<wchar_t>(value);
-        }
+        wide.append(block, static_cast<std::size_t>(out - block));
     }
-    wide.resize(static_cast<std::size_t>(out - wide.data()));
 }
 
 std::string WideToUtf8(std::wstring_view wide) {
@@ -204,7 +209,14 @@ std::string WideToUtf8(std::wstring_view wide) {
     utf8.reserve(wide.size());
     std::size_t pos = 0;
     while (pos < wide.size()) {
-        AppendUtf8(utf8, ReadWide(wide, pos));
+        // Plain ASCII goes straight across; it is most of every path and name.
+        const auto unit = static_cast<std::make_unsigned_t<wchar_t>>(wide[pos]);
+        if (unit < 0x80) {
+            utf8.push_back(static_cast<char>(unit));
+            ++pos;
+        } else {
+            AppendUtf8(utf8, ReadWide(wide, pos));
+        }
     }
     return utf8;
 }
