@@ -1,13 +1,14 @@
 // Reading a large "QUERYDESIGNREVISIONS" answer and writing a large "LOCKDESIGNREVISIONS" input,
 // each against Boost.JSON doing only its own part on the same data. Prints the ratios at the end.
+#include "FileServicesBench.h"
 #include "PeakMemory.h"
+#include "RatioReport.h"
 #include "protocol/commands/MCADCommands.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/json.hpp>
 
 #include <cstdio>
-#include <map>
 #include <string>
 
 namespace {
@@ -160,45 +161,6 @@ void WriteRecords(benchmark::State& state) {
 }
 BENCHMARK(WriteRecords)->Unit(benchmark::kMillisecond);
 
-// Keeps the best processor time per iteration of each benchmark over its repetitions: on a
-// shared machine wall time and the slower repetitions say more about the neighbours.
-// It takes the place of the library's own console reporter, which is the only one that the
-// --benchmark_color and --benchmark_format flags configure; so it prints plain text itself, as the
-// ratio lines after it are.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    RatioReporter() : ConsoleReporter(OO_None) {}
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
-                const std::string name = run.run_name.function_name;
-                const double time = run.GetAdjustedCPUTime();
-                const auto known = times.find(name);
-                if (known == times.end() || time < known->second) {
-                    times[name] = time;
-                }
-            }
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> times;
-};
-
-void PrintRatio(const RatioReporter& reporter, const char* what, const std::string& ours,
-                const std::string& theirs, double target) {
-    const auto a = reporter.times.find(ours);
-    const auto b = reporter.times.find(theirs);
-    if (a == reporter.times.end() || b == reporter.times.end() || b->second <= 0) {
-        std::printf("%s ratio: not measured\n", what);
-        return;
-    }
-    const double ratio = a->second / b->second;
-    std::printf("%s ratio: %.2f (%s %.2f ms / %s %.2f ms; target <= %.1f) %s\n", what, ratio,
-                ours.c_str(), a->second, theirs.c_str(), b->second, target,
-                ratio <= target ? "ok" : "OVER TARGET");
-}
-
 void PrintPeakMemory() {
     if (!bench::PeakMemoryAvailable()) {
         std::printf("read peak memory: not measured on this platform\n");
@@ -228,11 +190,13 @@ int main(int argc, char** argv) {
     }
     std::printf("answer text: %zu bytes; lock input: %d identifiers\n", QueryAnswer().size(),
                 Identifiers);
-    RatioReporter reporter;
+    bench::RegisterFileServiceBenchmarks();
+    bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
-    PrintRatio(reporter, "read", "ReadRecords", "ReadParseOnly", 1.0);
-    PrintRatio(reporter, "write", "WriteRecords", "WriteSerializeOnly", 1.5);
+    bench::PrintRatio(reporter, "read", "ReadRecords", "ReadParseOnly", 1.0);
+    bench::PrintRatio(reporter, "write", "WriteRecords", "WriteSerializeOnly", 1.5);
     PrintPeakMemory();
+    bench::PrintFileServiceRatios(reporter);
     return 0;
 }

@@ -40,6 +40,8 @@ public:
                      record.message.c_str());
     }
 
+    bool KeepsMessages() const override { return toStderr_; }
+
 private:
     bool toStderr_ = false;
 };
@@ -82,6 +84,10 @@ LogEntry::~LogEntry() {
 }
 
 void PDMWriteLog(int logType, const GUserText& source, const GUserText& text, int severity) {
+    // A host without a developer log drops the text without copying it.
+    if (!Sink().KeepsMessages()) {
+        return;
+    }
     LogRecord record;
     record.kind = LogRecord::Kind::Message;
     record.logType = logType;

@@ -26,6 +26,8 @@ class LogSink {
 public:
     virtual ~LogSink() = default;
     virtual void Write(const LogRecord& record) = 0;
+    // False when every message would be dropped: then none is put together for it.
+    virtual bool KeepsMessages() const { return true; }
 };
 
 // Installs a sink (nullptr restores the default); returns the previous one.

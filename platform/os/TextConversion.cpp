@@ -11,23 +11,21 @@ namespace platform::os {
 
 #ifdef _WIN32
 
-std::wstring Utf8ToWide(std::string_view utf8) {
+void AppendUtf8ToWide(std::wstring& wide, std::string_view utf8) {
     // The converter takes an int length; longer text cannot be converted at all.
     if (utf8.empty() || utf8.size() > static_cast<std::size_t>(INT_MAX)) {
-        return {};
+        return;
     }
     const int inLength = static_cast<int>(utf8.size());
     const int length = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), inLength, nullptr, 0);
     if (length < 1) {
-        return {};
+        return;
     }
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    const int written = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), inLength, wide.data(), length);
-    if (written < 1) {
-        return {};
-    }
-    wide.resize(static_cast<std::size_t>(written));
-    return wide;
+    const std::size_t start = wide.size();
+    wide.resize(start + static_cast<std::size_t>(length));
+    const int written =
+        MultiByteToWideChar(CP_UTF8, 0, utf8.data(), inLength, wide.data() + start, length);
+    wide.resize(start + static_cast<std::size_t>(written < 1 ? 0 : written));
 }
 
 std::string WideToUtf8(std::wstring_view wide) {
@@ -136,16 +134,6 @@ char32_t DecodeSequence(std::string_view utf8, std::size_t& pos) {
     return value;
 }
 
-void AppendWide(std::wstring& wide, char32_t value) {
-    if (kWideIsUtf16 && value > 0xFFFF) {
-        value -= 0x10000;
-        wide.push_back(static_cast<wchar_t>(0xD800 + (value >> 10)));
-        wide.push_back(static_cast<wchar_t>(0xDC00 + (value & 0x3FF)));
-    } else {
-        wide.push_back(static_cast<wchar_t>(value));
-    }
-}
-
 void AppendUtf8(std::string& utf8, char32_t value) {
     if (value < 0x80) {
         utf8.push_back(static_cast<char>(value));
@@ -185,20 +173,35 @@ char32_t ReadWide(std::wstring_view wide, std::size_t& pos) {
 
 } // namespace
 
-std::wstring Utf8ToWide(std::string_view utf8) {
-    std::wstring wide;
-    wide.reserve(utf8.size());
+void AppendUtf8ToWide(std::wstring& wide, std::string_view utf8) {
+    // Texts here run to tens of megabytes: they are converted a block at a time into a small
+    // buffer and appended from there, so that the text is written once, never cleared first.
+    // Every byte gives at most one code unit (a four-byte sequence gives two UTF-16 units).
+    constexpr std::size_t Block = 4096;
+    wchar_t block[Block];
+    wide.reserve(wide.size() + utf8.size());
     std::size_t pos = 0;
     while (pos < utf8.size()) {
-        const auto byte = static_cast<unsigned char>(utf8[pos]);
-        if (byte < 0x80) {
-            wide.push_back(static_cast<wchar_t>(byte));
-            ++pos;
-        } else {
-            AppendWide(wide, DecodeSequence(utf8, pos));
+        wchar_t* out = block;
+        // Stops short of the end by one sequence's worth of units.
+        while (pos < utf8.size() && out < block + Block - 2) {
+            const auto byte = static_cast<unsigned char>(utf8[pos]);
+            if (byte < 0x80) {
+                *out++ = static_cast<wchar_t>(byte);
+                ++pos;
+                continue;
+            }
+            char32_t value = DecodeSequence(utf8, pos);
+            if (kWideIsUtf16 && value > 0xFFFF) {
+                value -= 0x10000;
+                *out++ = static_cast<wchar_t>(0xD800 + (value >> 10));
+                *out++ = static_cast<wchar_t>(0xDC00 + (value & 0x3FF));
+            } else {
+                *out++ = static_cast<wchar_t>(value);
+            }
         }
+        wide.append(block, static_cast<std::size_t>(out - block));
     }
-    return wide;
 }
 
 std::string WideToUtf8(std::wstring_view wide) {
@@ -206,11 +209,24 @@ std::string WideToUtf8(std::wstring_view wide) {
     utf8.reserve(wide.size());
     std::size_t pos = 0;
     while (pos < wide.size()) {
-        AppendUtf8(utf8, ReadWide(wide, pos));
+        // Plain ASCII goes straight across; it is most of every path and name.
+        const auto unit = static_cast<std::make_unsigned_t<wchar_t>>(wide[pos]);
+        if (unit < 0x80) {
+            utf8.push_back(static_cast<char>(unit));
+            ++pos;
+        } else {
+            AppendUtf8(utf8, ReadWide(wide, pos));
+        }
     }
     return utf8;
 }
 
 #endif
+
+std::wstring Utf8ToWide(std::string_view utf8) {
+    std::wstring wide;
+    AppendUtf8ToWide(wide, utf8);
+    return wide;
+}
 
 } // namespace platform::os

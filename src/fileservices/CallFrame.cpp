@@ -4,6 +4,7 @@
 #include "session/SessionState.h"
 
 #include <string_view>
+#include <utility>
 
 namespace vanto::fileservices {
 
@@ -61,10 +62,32 @@ Core::TevString CallFrame::Exchange(const Core::TevString& request,
                                     const RequestLog* requestLog) const {
     Core::TevString answer = self_.Manager().RequireProxy().Execute(request);
     if (requestLog != nullptr) {
-        Info(requestLog->input, FromUtf8(request));
-        Info(requestLog->output, FromUtf8(answer));
+        LogExchanged(requestLog->input, request);
+        LogExchanged(requestLog->output, answer);
     }
     return answer;
+}
+
+// The line that `format` gives with `text`. The texts are whole requests and answers, megabytes
+// for a large call, so a format "<head>%s" (no other conversion) has the text widened once,
+// straight onto its head in the line that goes to the log: formatting the widened text would
+// copy it twice more. Any other format goes the general way.
+void CallFrame::LogExchanged(const wchar_t* format, const Core::TevString& text) const {
+    const std::wstring_view whole(format);
+    const std::size_t conversion = whole.find(L'%');
+    if (conversion == std::wstring_view::npos || conversion + 2 != whole.size() ||
+        whole[conversion + 1] != L's') {
+        Info(format, FromUtf8(text));
+        return;
+    }
+    // The formatter stops at the first null character of the widened text; so does this.
+    std::string_view body(text);
+    body = body.substr(0, body.find('\0'));
+    std::wstring line;
+    line.reserve(conversion + body.size());
+    line.append(whole.substr(0, conversion));
+    platform::os::AppendUtf8ToWide(line, body);
+    WriteLogMessage(SeverityInformation, std::move(line));
 }
 
 bool CallFrame::Failed(const CommandOutputBase& output, const wchar_t* failureMessage,
@@ -90,15 +113,15 @@ void CallFrame::ReportErrorCodes(const CommandOutputBase& output) const {
 }
 
 void CallFrame::Info(const wchar_t* text) const {
-    LogMessage(&self_.Manager(), SeverityInformation, GUserText(text));
+    LogMessage(&self_.Manager(), SeverityInformation, text);
 }
 
 void CallFrame::Warning(const wchar_t* text) const {
-    LogMessage(&self_.Manager(), SeverityWarning, GUserText(text));
+    LogMessage(&self_.Manager(), SeverityWarning, text);
 }
 
 void CallFrame::Error(const wchar_t* text) const {
-    LogMessage(&self_.Manager(), SeverityError, GUserText(text));
+    LogMessage(&self_.Manager(), SeverityError, text);
 }
 
 } // namespace vanto::fileservices

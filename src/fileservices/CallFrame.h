@@ -119,7 +119,7 @@ public:
     void Warning(const wchar_t* text) const;
     // "%s" formats with wide texts.
     template <class... Args> void Info(const wchar_t* format, const Args&... args) const {
-        LogMessage(&self_.Manager(), SeverityInformation, GUserText(format), args...);
+        LogMessage(&self_.Manager(), SeverityInformation, format, args...);
     }
 
     // The interface the method belongs to, reached through its table, as the host reaches it.
@@ -141,6 +141,7 @@ private:
     }
     static void SetSessionId(Core::CommandIO::CommandInputBase& input);
     Core::TevString Exchange(const Core::TevString& request, const RequestLog* requestLog) const;
+    void LogExchanged(const wchar_t* format, const Core::TevString& text) const;
 
     VANTOManager::VANTOFileServices& self_;
     std::optional<LogEntry> scope_;

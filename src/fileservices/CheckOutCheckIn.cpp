@@ -5,15 +5,16 @@
 #include "fileservices/CallFrame.h"
 #include "fileservices/ReturnCodes.h"
 
+#include <functional>
+#include <iterator>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 namespace vanto::fileservices {
 
 namespace {
 
 using Corvane::CommandIO::DataManagement::MCAD::CorvaneLockDesignRevisionsInput;
-using Corvane::CommandIO::DataManagement::MCAD::CorvaneUnLockDesignRevisionsInput;
 using Corvane::DataTypes::CorvaneDesignIdentifier;
 
 // Locks that last until they are released.
@@ -48,10 +49,17 @@ void ClearLock(FileLockStatus& status) {
 
 void MarkLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockStatusMap& files,
                const GUserText& user) {
+    // The answer lists the files in the order they were sent, which is the map's own: the entry
+    // after the last one found is tried first, and the map is searched only when it is not the
+    // one. Keys are unique under the map's ordering, so either way finds the same entry.
+    auto next = files.begin();
     for (const auto& lock : output.Status) {
-        const auto found = files.find(FromNarrow(lock->DesignIdentifier));
+        const GUserText name = FromNarrow(lock->DesignIdentifier);
+        const auto found =
+            next != files.end() && next->first.EqualsNoCase(name) ? next : files.find(name);
         if (found != files.end()) {
             SetHolder(found->second, FromUtf8(lock->LockedBy), user);
+            next = std::next(found);
         }
     }
 }
@@ -73,23 +81,41 @@ bool ClearRefusedLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockS
     return refused;
 }
 
-void ApplyUnlockResults(const CorvaneUnLockDesignRevisionsOutput& output, FileCheckInList& files) {
-    // UTF-8 name -> first entry of that name, so that each answer is found in one look-up.
-    std::vector<Core::TevString> names;
+void ApplyUnlockResults(const CorvaneUnLockDesignRevisionsOutput& output, FileCheckInList& files,
+                        const CorvaneUnLockDesignRevisionsInput& sent) {
+    std::vector<std::string_view> names;
     names.reserve(files.size());
-    std::unordered_map<std::string_view, FileCheckInEntry*> firstByName;
-    firstByName.reserve(files.size());
-    for (FileCheckInEntry& entry : files) {
-        names.push_back(ToUtf8(entry.fileName));
+    for (std::size_t i = 0; i < files.size() && i < sent.DesignIdentifiers.size(); ++i) {
+        names.emplace_back(sent.DesignIdentifiers[i]->Value);
     }
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        firstByName.emplace(names[i], &files[i]);
+    // UTF-8 name -> first entry of that name, so that each answer is found in one look-up. Open
+    // addressing in one flat table at most half full (a slot holds entry index + 1, 0 is free):
+    // a list of a hundred thousand files costs no allocation per name.
+    std::size_t size = 1;
+    while (size < 2 * names.size()) {
+        size <<= 1;
+    }
+    std::vector<std::size_t> slots(size, 0);
+    const auto slotOf = [&](std::string_view name) -> std::size_t& {
+        for (std::size_t at = std::hash<std::string_view>()(name) & (size - 1);;
+             at = (at + 1) & (size - 1)) {
+            if (slots[at] == 0 || names[slots[at] - 1] == name) {
+                return slots[at];
+            }
+        }
+    };
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        std::size_t& slot = slotOf(names[i]);
+        if (slot == 0) {
+            slot = i + 1;
+        }
     }
     for (const auto& lock : output.Status) {
-        const auto found = firstByName.find(lock->DesignIdentifier);
-        if (found != firstByName.end()) {
-            found->second->errorCode = lock->ErrorCode;
-            found->second->lockedBy = FromUtf8(lock->LockedBy);
+        const std::size_t slot = slotOf(lock->DesignIdentifier);
+        if (slot != 0) {
+            FileCheckInEntry& entry = files[slot - 1];
+            entry.errorCode = lock->ErrorCode;
+            entry.lockedBy = FromUtf8(lock->LockedBy);
         }
     }
 }
@@ -163,6 +189,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::CheckIn(FileCheckInLi
     const Target<FileCheckInList> list(files);
     return frame.Guard(E_FAIL, [&] {
         CorvaneUnLockDesignRevisionsInput input;
+        input.DesignIdentifiers.reserve(list->size());
         for (const FileCheckInEntry& entry : *list) {
             frame.Info(L"File Name : %s", entry.fileName);
             input.DesignIdentifiers.push_back(FileIdentifier(entry.fileName));
@@ -173,7 +200,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::CheckIn(FileCheckInLi
         if (frame.Failed(output, L"Error while check-in.", ErrorCodes::NotReported)) {
             return E_FAIL;
         }
-        ApplyUnlockResults(output, *list);
+        ApplyUnlockResults(output, *list, input);
         frame.Info(L"Check-in successful. No errors found.");
         return S_OK;
     });

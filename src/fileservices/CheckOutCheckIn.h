@@ -7,6 +7,7 @@
 namespace vanto::fileservices {
 
 using Corvane::CommandIO::DataManagement::MCAD::CorvaneLockDesignRevisionsOutput;
+using Corvane::CommandIO::DataManagement::MCAD::CorvaneUnLockDesignRevisionsInput;
 using Corvane::CommandIO::DataManagement::MCAD::CorvaneUnLockDesignRevisionsOutput;
 
 // Marks every file of the map that a lock info names as checked out, by its holder; `user` is the
@@ -19,8 +20,10 @@ void MarkLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockStatusMap
 bool ClearRefusedLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockStatusMap& files);
 
 // Hands each lock info's code and holder to the first entry of the list whose UTF-8 file name is
-// its design identifier.
-void ApplyUnlockResults(const CorvaneUnLockDesignRevisionsOutput& output, FileCheckInList& files);
+// its design identifier. The names are taken from `sent`, the request made from the list (one
+// identifier per entry, in list order), rather than converted again.
+void ApplyUnlockResults(const CorvaneUnLockDesignRevisionsOutput& output, FileCheckInList& files,
+                        const CorvaneUnLockDesignRevisionsInput& sent);
 
 // The lock state a file's properties give: the first value of "LockedBy" in the lock group.
 void ApplyLockedBy(const FilePropertyEntry& file, FileLockStatus& status, const GUserText& user);

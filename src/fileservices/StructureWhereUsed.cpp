@@ -6,6 +6,8 @@
 #include "fileservices/ReturnCodes.h"
 #include "host/GUserFileName.h"
 
+#include <iterator>
+
 namespace vanto::fileservices {
 
 namespace {
@@ -41,6 +43,10 @@ void AddChildRelations(const CorvaneGetChildrenOutput& output, RelationMap& chil
         return;
     }
     GUserText key; // carried over from one child to the next, on purpose
+    // Each child is offered to the map just after the one before: when the answer lists them in
+    // the order of their paths that costs one comparison instead of a search, and otherwise the
+    // map searches as it would have.
+    auto hint = children.end();
     for (const auto& relation : output.ParentChildRelationInfo.front()->ChildRelationInfos) {
         if (const auto& child = relation->ChildDocumentInfo) {
             for (const Core::TevString& path : child->FilePaths) {
@@ -51,7 +57,7 @@ void AddChildRelations(const CorvaneGetChildrenOutput& output, RelationMap& chil
                 }
             }
         }
-        children.emplace(key, FromNarrow(relation->RelationUrn));
+        hint = std::next(children.emplace_hint(hint, key, FromNarrow(relation->RelationUrn)));
     }
 }
 

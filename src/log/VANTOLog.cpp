@@ -1,10 +1,17 @@
 #include "log/VANTOLog.h"
 
+#include <utility>
+
 namespace vanto {
 
-std::wstring FormatLogText(const std::wstring& format, std::initializer_list<const wchar_t*> args) {
+std::wstring FormatLogText(std::wstring_view format, std::initializer_list<const wchar_t*> args) {
+    // Room for the format and every argument, so that the text grows once.
+    std::size_t length = format.size();
+    for (const wchar_t* arg : args) {
+        length += arg != nullptr ? std::char_traits<wchar_t>::length(arg) : 0;
+    }
     std::wstring text;
-    text.reserve(format.size());
+    text.reserve(length);
     auto next = args.begin();
     for (std::size_t i = 0; i < format.size(); ++i) {
         const wchar_t c = format[i];
@@ -39,8 +46,9 @@ void LogExceptionText(const wchar_t* prefix, const char* what) {
     WriteLogMessage(SeverityError, FormatLogText(text, {}));
 }
 
-void WriteLogMessage(int severity, const std::wstring& text) {
-    PDMWriteLog(LogTypeMessage, GUserText(LogSource), GUserText(text), severity);
+void WriteLogMessage(int severity, std::wstring text) {
+    static const GUserText source(LogSource);
+    PDMWriteLog(LogTypeMessage, source, GUserText(std::move(text)), severity);
 }
 
 } // namespace vanto

@@ -6,6 +6,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 class VANTOManager;
@@ -26,9 +27,10 @@ inline LogEntry OpenScope(const wchar_t* methodTag) {
 // printf-style formatting of wide texts with "%s" as the one conversion. It never reads past the
 // arguments it was given: a "%s" without an argument stays in the text as it is, "%%" is one "%",
 // and anything else after a "%" (including "%n" and a trailing "%") is copied literally.
-std::wstring FormatLogText(const std::wstring& format, std::initializer_list<const wchar_t*> args);
+std::wstring FormatLogText(std::wstring_view format, std::initializer_list<const wchar_t*> args);
 
-void WriteLogMessage(int severity, const std::wstring& text);
+// Writes `text` as it is (no formatting) to the developer log.
+void WriteLogMessage(int severity, std::wstring text);
 
 // Texts that the session and the file services share.
 inline constexpr const wchar_t* NotAValidSessionText = L"Corvane session is not a valid session.";
@@ -41,9 +43,21 @@ void LogExceptionText(const wchar_t* prefix, const char* what);
 
 } // namespace vanto
 
-// Formats `format` with the wide texts `args` and writes it to the developer log.
-template <class... Args>
-void LogMessage(const VANTOManager* /*owner*/, int severity, GUserText format,
+namespace vanto::detail {
+
+inline std::wstring_view FormatOf(const GUserText& format) noexcept {
+    return format.wstr();
+}
+inline std::wstring_view FormatOf(const wchar_t* format) noexcept {
+    return format != nullptr ? std::wstring_view(format) : std::wstring_view();
+}
+
+} // namespace vanto::detail
+
+// Formats `format` (a GUserText or a wide literal) with the wide texts `args` and writes it to the
+// developer log.
+template <class Format, class... Args>
+void LogMessage(const VANTOManager* /*owner*/, int severity, const Format& format,
                 const Args&... args) {
     [[maybe_unused]] const auto wide = [](const auto& arg) -> const wchar_t* {
         using Arg = std::decay_t<decltype(arg)>;
@@ -55,5 +69,6 @@ void LogMessage(const VANTOManager* /*owner*/, int severity, GUserText format,
             return arg;
         }
     };
-    vanto::WriteLogMessage(severity, vanto::FormatLogText(format.wstr(), {wide(args)...}));
+    vanto::WriteLogMessage(severity,
+                           vanto::FormatLogText(vanto::detail::FormatOf(format), {wide(args)...}));
 }
