@@ -28,4 +28,9 @@ bool IsExecutableFile(const std::wstring& path);
 unsigned long LaunchDetached(const std::wstring& program,
                              const std::vector<std::wstring>& arguments);
 
+// Ends the process at once (SIGKILL, TerminateProcess) and reaps it; false when it could not.
+bool KillProcess(unsigned long pid);
+// Waits up to `timeoutMs` for a process started by LaunchDetached to end (and reaps it).
+bool WaitForExit(unsigned long pid, int timeoutMs);
+
 } // namespace platform::os

@@ -4,12 +4,14 @@
 
 #include "os/TextConversion.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 extern char** environ;
@@ -86,6 +88,29 @@ unsigned long LaunchDetached(const std::wstring& program,
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
     return result == 0 ? static_cast<unsigned long>(child) : 0;
+}
+
+bool KillProcess(unsigned long pid) {
+    if (::kill(static_cast<pid_t>(pid), SIGKILL) != 0) {
+        return false;
+    }
+    int status = 0;
+    ::waitpid(static_cast<pid_t>(pid), &status, 0);
+    return true;
+}
+
+bool WaitForExit(unsigned long pid, int timeoutMs) {
+    for (int waited = 0;; waited += 10) {
+        int status = 0;
+        const pid_t result = ::waitpid(static_cast<pid_t>(pid), &status, WNOHANG);
+        if (result == static_cast<pid_t>(pid) || (result < 0 && errno == ECHILD)) {
+            return true;
+        }
+        if (waited >= timeoutMs) {
+            return false;
+        }
+        ::usleep(10000);
+    }
 }
 
 } // namespace platform::os

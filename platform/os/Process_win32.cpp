@@ -89,6 +89,28 @@ unsigned long LaunchDetached(const std::wstring& program,
     return process.dwProcessId;
 }
 
+bool KillProcess(unsigned long pid) {
+    HANDLE process = ::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, pid);
+    if (process == nullptr) {
+        return false;
+    }
+    const bool killed = ::TerminateProcess(process, 1) != 0 &&
+                        ::WaitForSingleObject(process, 10000) == WAIT_OBJECT_0;
+    ::CloseHandle(process);
+    return killed;
+}
+
+bool WaitForExit(unsigned long pid, int timeoutMs) {
+    HANDLE process = ::OpenProcess(SYNCHRONIZE, FALSE, pid);
+    if (process == nullptr) {
+        return true; // gone already
+    }
+    const bool ended =
+        ::WaitForSingleObject(process, static_cast<DWORD>(timeoutMs)) == WAIT_OBJECT_0;
+    ::CloseHandle(process);
+    return ended;
+}
+
 } // namespace platform::os
 
 #endif

@@ -125,6 +125,8 @@ std::string Handler::Control(std::string_view request) {
                std::max<std::int64_t>(0, Number(in, "Times")));
     } else if (action == "clear-faults") {
         db.Execute("DELETE FROM faults");
+    } else if (action == "stop") {
+        return std::string(StopAnswer);
     } else if (action == "reset") {
         transaction.Commit();
         store_.Reset(options_.workspace, options_.user);

@@ -114,6 +114,13 @@ std::string ErrorAnswer(std::int32_t code, std::string_view id = {}) {
     return vanto::protocol::WriteRecord(&out, SchemaOf<CommandOutputBase>()).str();
 }
 
+// Longer than any path or identifier a client has reason to send.
+constexpr std::size_t MaxTextBytes = 64 * 1024;
+
+bool IsText(const json::value& value) {
+    return value.is_string() && value.get_string().size() <= MaxTextBytes;
+}
+
 bool IsInt32(const json::value& value) {
     if (value.is_int64()) {
         const std::int64_t v = value.get_int64();
@@ -132,16 +139,34 @@ bool AllOf(const json::value& value, bool (*test)(const json::value&)) {
 
 bool Matches(const json::value& value, const Schema& schema);
 
+// Keys that name no member are not read, but an overlong text in them is refused all the same.
+bool NoLongText(const json::value& value) {
+    if (value.is_string()) {
+        return IsText(value);
+    }
+    if (value.is_array()) {
+        return AllOf(value, NoLongText);
+    }
+    if (value.is_object()) {
+        for (const auto& [key, member] : value.get_object()) {
+            if (key.size() > MaxTextBytes || !NoLongText(member)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 bool MatchesField(const vanto::protocol::Field& field, const json::value& value) {
     switch (field.kind) {
     case Kind::Text:
-        return value.is_string();
+        return IsText(value);
     case Kind::Integer:
         return IsInt32(value);
     case Kind::Flag:
         return value.is_bool();
     case Kind::Texts:
-        return AllOf(value, [](const json::value& v) { return v.is_string(); });
+        return AllOf(value, IsText);
     case Kind::Integers:
         return AllOf(value, IsInt32);
     case Kind::Record:
@@ -169,7 +194,8 @@ bool Matches(const json::value& value, const Schema& schema) {
         const auto* field = std::find_if(
             schema.fields, schema.fields + schema.count,
             [&](const vanto::protocol::Field& f) { return f.key == std::string_view(key); });
-        if (field != schema.fields + schema.count && !MatchesField(*field, member)) {
+        const bool known = field != schema.fields + schema.count;
+        if (known ? !MatchesField(*field, member) : !NoLongText(member)) {
             return false;
         }
     }
@@ -845,7 +871,9 @@ Answer Handler::Handle(std::string_view operation, std::string_view request) noe
             return {R"({"Ready":true})"};
         }
         if (operation == "control") {
-            return {Control(request)};
+            Answer answer{Control(request)};
+            answer.stopAfter = answer.text == StopAnswer;
+            return answer;
         }
         return {ErrorAnswer(CommandNotSupported)};
     } catch (...) {

@@ -26,7 +26,11 @@ struct Answer {
     // Added by a fault set through the control interface; the server waits this long before it
     // answers, without holding up other clients.
     std::uint32_t delayMs = 0;
+    // The emulator stops once this answer is sent (the control action "stop").
+    bool stopAfter = false;
 };
+
+inline constexpr std::string_view StopAnswer = R"({"Ok":true,"Stopping":true})";
 
 struct HandlerOptions {
     std::string user = "Ada Byrne"; // the user signed in at this desktop

@@ -138,6 +138,9 @@ private:
             answer.text = R"({"Errors":[{"ErrorCode":1,"Ids":[]}]})";
         }
         std::string().swap(body_);
+        if (answer.stopAfter) {
+            stopping_ = true;
+        }
         if (answer.delayMs == 0) {
             return Send(std::move(answer.text), false);
         }
@@ -159,6 +162,9 @@ private:
         const std::array<asio::const_buffer, 2> frame{asio::buffer(outHeader_), asio::buffer(out_)};
         asio::async_write(socket_, frame,
                           [self = shared_from_this(), thenClose](error_code error, std::size_t) {
+                              if (self->stopping_) {
+                                  self->state_->io.stop();
+                              }
                               if (error || thenClose) {
                                   return self->Drop();
                               }
@@ -171,6 +177,7 @@ private:
     tcp::socket socket_;
     asio::steady_timer timer_;
     bool greeted_ = false;
+    bool stopping_ = false;
     std::array<unsigned char, 4> header_{};
     std::array<unsigned char, 4> outHeader_{};
     std::string body_;

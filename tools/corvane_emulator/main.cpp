@@ -206,6 +206,7 @@ int main(int argc, char** argv) {
     });
     control("clear-faults", "Remove every delay and failure");
     control("reset", "Empty the database and import the workspace again");
+    control("stop", "Stop serving");
 
     CLI11_PARSE(app, argc, argv);
     try {
