@@ -910,23 +910,20 @@ Answer Handler::Execute(std::string_view request) {
     const json::value* session = object.if_contains("SessionId");
 
     Transaction transaction(store_.Db());
-    const auto sessionUser = session == nullptr
-                                 ? std::nullopt
-                                 : store_.Db().QueryInt("SELECT user_id FROM sessions WHERE id = ?",
-                                                        std::string_view(session->get_string()));
-    const auto user = sessionUser ? store_.UserByKey(*sessionUser) : std::nullopt;
-    if (!user || !user->signedIn) {
-        return {ErrorAnswer(UserNotSignedIn)};
-    }
     Answer answer;
-    Statement fault = store_.Db().Prepare(
-        "SELECT latency_ms, fail_code, remaining FROM faults WHERE command = ?");
-    fault.Bind(1, std::string_view(name->get_string()));
     std::int64_t failCode = 0;
-    if (fault.Step()) {
-        answer.delayMs = static_cast<std::uint32_t>(fault.Int(0));
-        failCode = fault.Int(1);
-        const std::int64_t remaining = fault.Int(2);
+    std::int64_t remaining = -1;
+    {
+        Statement fault = store_.Db().Prepare(
+            "SELECT latency_ms, fail_code, remaining FROM faults WHERE command = ?");
+        fault.Bind(1, std::string_view(name->get_string()));
+        if (fault.Step()) {
+            answer.delayMs = static_cast<std::uint32_t>(fault.Int(0));
+            failCode = fault.Int(1);
+            remaining = fault.Int(2);
+        }
+    }
+    {
         if (remaining == 1) {
             store_.Db().Run("DELETE FROM faults WHERE command = ?",
                             std::string_view(name->get_string()));
@@ -935,8 +932,16 @@ Answer Handler::Execute(std::string_view request) {
                             std::string_view(name->get_string()));
         }
     }
+    const auto sessionUser = session == nullptr
+                                 ? std::nullopt
+                                 : store_.Db().QueryInt("SELECT user_id FROM sessions WHERE id = ?",
+                                                        std::string_view(session->get_string()));
+    const auto user = sessionUser ? store_.UserByKey(*sessionUser) : std::nullopt;
     if (failCode != 0) {
+        // A fault set for the command answers whoever asks.
         answer.text = ErrorAnswer(static_cast<std::int32_t>(failCode));
+    } else if (!user || !user->signedIn) {
+        answer.text = ErrorAnswer(UserNotSignedIn);
     } else if (command.needsCloud && !user->online) {
         answer.text = ErrorAnswer(Offline);
     } else {
