@@ -3,6 +3,7 @@
 #include "entry/ModuleState.h"
 #include "session/SessionState.h"
 
+#include <stdexcept>
 #include <vector>
 
 namespace {
@@ -21,6 +22,13 @@ VANTOManager::VANTOManager(IUnknown* outer)
     auto* factory = new Corvane::CorvaneProxyFactory();
     KeepForProcessLife(factory);
     proxy = factory->CreateCorvaneProxy();
+}
+
+Corvane::ICorvaneProxy& VANTOManager::RequireProxy() const {
+    if (proxy == nullptr) {
+        throw std::runtime_error("Corvane proxy is not available");
+    }
+    return *proxy;
 }
 
 VANTOManager::~VANTOManager() {

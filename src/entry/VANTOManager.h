@@ -123,6 +123,8 @@ public:
     ULONG STDMETHODCALLTYPE Release() override;
 
     Corvane::ICorvaneProxy* Proxy() const noexcept { return proxy; }
+    // The proxy, for a call that is about to be made; throws when the manager has none.
+    Corvane::ICorvaneProxy& RequireProxy() const;
     VANTOSession& Session() noexcept { return session; }
     VANTOFileServices& FileServices() noexcept { return fileServices; }
 

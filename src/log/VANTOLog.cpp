@@ -31,6 +31,14 @@ std::wstring FormatLogText(const std::wstring& format, std::initializer_list<con
     return text;
 }
 
+void LogExceptionText(const wchar_t* prefix, const char* what) {
+    std::wstring text(prefix);
+    if (what != nullptr) {
+        text += GUserText(what).wstr();
+    }
+    WriteLogMessage(SeverityError, FormatLogText(text, {}));
+}
+
 void WriteLogMessage(int severity, const std::wstring& text) {
     PDMWriteLog(LogTypeMessage, GUserText(LogSource), GUserText(text), severity);
 }

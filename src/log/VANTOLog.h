@@ -30,6 +30,15 @@ std::wstring FormatLogText(const std::wstring& format, std::initializer_list<con
 
 void WriteLogMessage(int severity, const std::wstring& text);
 
+// Texts that the session and the file services share.
+inline constexpr const wchar_t* NotAValidSessionText = L"Corvane session is not a valid session.";
+inline constexpr const wchar_t* ExecuteExceptionPrefix =
+    L"Corvane session is not a valid session - exception from Execute call : ";
+
+// Writes `prefix` followed by the exception's text (nothing when it is null) at severity 0. The
+// text is appended, not formatted in, so the whole line is the format.
+void LogExceptionText(const wchar_t* prefix, const char* what);
+
 } // namespace vanto
 
 // Formats `format` with the wide texts `args` and writes it to the developer log.

@@ -27,40 +27,26 @@ constexpr const wchar_t* RootFolderSetting = L"CorvaneRootFolderPath";
 constexpr int CommonUserScope = 1;
 constexpr std::uint32_t ReadyPollMilliseconds = 100;
 
-constexpr const wchar_t* NotAValidSession = L"Corvane session is not a valid session.";
-constexpr const wchar_t* ExecuteFailedPrefix =
-    L"Corvane session is not a valid session - exception from Execute call : ";
+using vanto::ExecuteExceptionPrefix;
+using vanto::NotAValidSessionText;
 
 void LogInfo(const VANTOManager& manager, const wchar_t* text) {
     LogMessage(&manager, SeverityInformation, GUserText(text));
 }
 
-// The exception's text is appended, not formatted in, so the whole text is the format.
-void LogException(const VANTOManager& manager, const wchar_t* prefix, const std::exception& e) {
-    GUserText text(prefix);
-    if (const char* what = e.what()) {
-        text += GUserText(what);
-    }
-    LogMessage(&manager, SeverityError, text);
+void LogException(const VANTOManager& /*manager*/, const wchar_t* prefix, const std::exception& e) {
+    vanto::LogExceptionText(prefix, e.what());
 }
 
 GUserText Wide(const Core::TevString& text) {
     return GUserText(std::string_view(text));
 }
 
-Corvane::ICorvaneProxy& RequireProxy(const VANTOManager& manager) {
-    Corvane::ICorvaneProxy* proxy = manager.Proxy();
-    if (proxy == nullptr) {
-        throw std::runtime_error("Corvane proxy is not available");
-    }
-    return *proxy;
-}
-
 // Sends one of the bare session commands with the current session id; returns the answer.
 Core::TevString ExecuteSessionCommand(const VANTOManager& manager, const char* command) {
     Core::CommandIO::CommandInputBase input(command);
     input.SessionId = vanto::Session().sessionId;
-    return RequireProxy(manager).Execute(input.ToJson());
+    return manager.RequireProxy().Execute(input.ToJson());
 }
 
 // The registration request for this process, logged as it goes out.
@@ -88,7 +74,7 @@ Core::TevString GrantedSessionId(const Core::TevString& answer) {
 // GETCONNECTIONSTATUS: true when the answer has no errors; error code 6 means offline.
 bool CheckConnectionStatus(const VANTOManager& manager) {
     if (!vanto::IsValidSession(manager)) {
-        LogMessage(&manager, SeverityError, GUserText(NotAValidSession));
+        LogMessage(&manager, SeverityError, GUserText(NotAValidSessionText));
         return false;
     }
     try {
@@ -104,7 +90,7 @@ bool CheckConnectionStatus(const VANTOManager& manager) {
         }
         return false;
     } catch (const std::exception& e) {
-        LogException(manager, ExecuteFailedPrefix, e);
+        LogException(manager, ExecuteExceptionPrefix, e);
         return false;
     }
 }
@@ -155,7 +141,7 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsConnected(bool force) {
                 state.registered = true;
             }
         } catch (const std::exception& e) {
-            LogException(owner_, ExecuteFailedPrefix, e);
+            LogException(owner_, ExecuteExceptionPrefix, e);
             return false;
         }
     }
@@ -165,7 +151,7 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsConnected(bool force) {
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetRootFolders(RootFolderSet* rootFolders) {
     const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOSession::GetRootFolders");
     if (!vanto::IsValidSession(owner_)) {
-        LogMessage(&owner_, SeverityError, GUserText(NotAValidSession));
+        LogMessage(&owner_, SeverityError, GUserText(NotAValidSessionText));
         return S_OK;
     }
     try {
@@ -184,7 +170,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetRootFolders(RootFolderS
             rootFolders->insert(found.begin(), found.end());
         }
     } catch (const std::exception& e) {
-        LogException(owner_, ExecuteFailedPrefix, e);
+        LogException(owner_, ExecuteExceptionPrefix, e);
     }
     return S_OK;
 }
@@ -204,7 +190,7 @@ VANTOManager::VANTOSession::GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) {
             }
         }
     } catch (const std::exception& e) {
-        LogException(owner_, ExecuteFailedPrefix, e);
+        LogException(owner_, ExecuteExceptionPrefix, e);
     }
     return S_OK;
 }
@@ -271,7 +257,7 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::StartCorvaneAndWaitForReadySt
         const Core::TevString request = RegisterInput(owner_);
         // A registration left over from an earlier start is ended before the new one.
         DeRegisterFromCorvane();
-        const Core::TevString answer = RequireProxy(owner_).RegisterClient(request);
+        const Core::TevString answer = owner_.RequireProxy().RegisterClient(request);
         state.registered = true;
         state.sessionId = GrantedSessionId(answer).str();
         LogMessage(&owner_, SeverityInformation,
@@ -285,7 +271,7 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::StartCorvaneAndWaitForReadySt
                        info.corvaneLogPath);
         }
     } catch (const std::exception& e) {
-        LogException(owner_, ExecuteFailedPrefix, e);
+        LogException(owner_, ExecuteExceptionPrefix, e);
         return false;
     }
     return CheckConnectionStatus(owner_);
@@ -303,7 +289,7 @@ void STDMETHODCALLTYPE VANTOManager::VANTOSession::DeRegisterFromCorvane() {
     try {
         Core::Registration::DeRegisterClientInput input;
         input.SessionId = state.sessionId;
-        RequireProxy(owner_).DeRegisterClient(input.ToJson());
+        owner_.RequireProxy().DeRegisterClient(input.ToJson());
         // The session id stays: commands keep carrying it after deregistration.
         state.registered = false;
         LogInfo(owner_, L"Deregistered from Corvane");
@@ -320,7 +306,7 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsCorvaneInOffLineMode() {
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetSessionInfo(SessionInfo* info) {
     const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOSession::GetSessionInfo");
     if (!vanto::IsValidSession(owner_)) {
-        LogMessage(&owner_, SeverityError, GUserText(NotAValidSession));
+        LogMessage(&owner_, SeverityError, GUserText(NotAValidSessionText));
         return S_OK;
     }
     try {
@@ -345,7 +331,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetSessionInfo(SessionInfo
         LogMessage(&owner_, SeverityInformation, GUserText(L"Cloud Gateway Log Path is : %s"),
                    received.cloudGatewayLogPath);
     } catch (const std::exception& e) {
-        LogException(owner_, ExecuteFailedPrefix, e);
+        LogException(owner_, ExecuteExceptionPrefix, e);
     }
     return S_OK;
 }

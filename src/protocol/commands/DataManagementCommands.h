@@ -8,12 +8,23 @@
 
 namespace Corvane::CommandIO::DataManagement {
 
+// Each input names the output its answer is read into.
+class CorvaneGetFileContextInformationOutput;
+class CorvaneGetFilePathByUidOutput;
+class CorvaneCheckNewerVersionOnCloudOutput;
+class CorvaneGetPropertiesOutput;
+class CorvaneGetAvailableContainersOutput;
+class CorvaneAddProjectToSyncOutput;
+class CorvaneGetAccessPermissionsOutput;
+class CorvaneIsPathMonitoredOutput;
+
 using Core::CommandIO::VersionedCommandInputBase;
 
 class CorvaneGetFileContextInformationInput : public VersionedCommandInputBase {
 public:
     CorvaneGetFileContextInformationInput() : VersionedCommandInputBase("GETFILECONTEXTINFO") {}
     VANTO_JSON_WRITER(CorvaneGetFileContextInformationInput)
+    using Output = CorvaneGetFileContextInformationOutput;
 
     Core::DynamicArray<Core::TevString> Files; // local file paths
 
@@ -35,6 +46,7 @@ class CorvaneGetFilePathByUidInput : public VersionedCommandInputBase {
 public:
     CorvaneGetFilePathByUidInput() : VersionedCommandInputBase("GETFILEPATHBYUID") {}
     VANTO_JSON_WRITER(CorvaneGetFilePathByUidInput)
+    using Output = CorvaneGetFilePathByUidOutput;
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneFileUidAndContextInformationPair>>
         ListOfFileUidAndContextInformation;
@@ -58,6 +70,7 @@ class CorvaneCheckNewerVersionOnCloudInput : public VersionedCommandInputBase {
 public:
     CorvaneCheckNewerVersionOnCloudInput() : VersionedCommandInputBase("CHECKFORNEWERVERSION") {}
     VANTO_JSON_WRITER(CorvaneCheckNewerVersionOnCloudInput)
+    using Output = CorvaneCheckNewerVersionOnCloudOutput;
 
     Core::DynamicArray<Core::TevString> IdentifierToCheckForNewerVersion;
     std::int32_t IdentifierType = 0;
@@ -83,6 +96,7 @@ class CorvaneGetPropertiesInput : public VersionedCommandInputBase {
 public:
     CorvaneGetPropertiesInput() : VersionedCommandInputBase("GETPROPERTIES") {}
     VANTO_JSON_WRITER(CorvaneGetPropertiesInput)
+    using Output = CorvaneGetPropertiesOutput;
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneStringToObjectTypesPair>>
         FilePathToObjectTypesArray;
@@ -104,6 +118,7 @@ class CorvaneGetAvailableContainersInput : public VersionedCommandInputBase {
 public:
     CorvaneGetAvailableContainersInput() : VersionedCommandInputBase("GETAVAILABLECONTAINERS") {}
     VANTO_JSON_WRITER(CorvaneGetAvailableContainersInput)
+    using Output = CorvaneGetAvailableContainersOutput;
 
     Core::TevString Name;
     Core::DynamicArray<std::int32_t> ContainerType;
@@ -128,6 +143,7 @@ class CorvaneAddProjectToSyncInput : public VersionedCommandInputBase {
 public:
     CorvaneAddProjectToSyncInput() : VersionedCommandInputBase("ADDPROJECTTOSYNC") {}
     VANTO_JSON_WRITER(CorvaneAddProjectToSyncInput)
+    using Output = CorvaneAddProjectToSyncOutput;
 
     Core::TevString ProjectURN; // URN in capitals, unlike the records' "Urn"
 
@@ -148,6 +164,7 @@ class CorvaneGetAccessPermissionsInput : public VersionedCommandInputBase {
 public:
     CorvaneGetAccessPermissionsInput() : VersionedCommandInputBase("GETACCESSPERMISSIONS") {}
     VANTO_JSON_WRITER(CorvaneGetAccessPermissionsInput)
+    using Output = CorvaneGetAccessPermissionsOutput;
 
     Core::DynamicArray<Core::TevString> Paths;
 
@@ -169,6 +186,7 @@ class CorvaneIsPathMonitoredInput : public VersionedCommandInputBase {
 public:
     CorvaneIsPathMonitoredInput() : VersionedCommandInputBase("ISPATHMONITORED") {}
     VANTO_JSON_WRITER(CorvaneIsPathMonitoredInput)
+    using Output = CorvaneIsPathMonitoredOutput;
 
     Core::DynamicArray<Core::TevString> Paths;
 

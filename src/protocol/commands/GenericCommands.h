@@ -6,10 +6,14 @@
 
 namespace Corvane::CommandIO::Generic {
 
+// Each input names the output its answer is read into.
+class CorvaneSetDataObjectOutput;
+
 class CorvaneSetDataObjectInput : public Core::CommandIO::VersionedCommandInputBase {
 public:
     CorvaneSetDataObjectInput() : VersionedCommandInputBase("SETDATAOBJECT") {}
     VANTO_JSON_WRITER(CorvaneSetDataObjectInput)
+    using Output = CorvaneSetDataObjectOutput;
 
     Core::UniquePtr<Corvane::DataTypes::CorvaneDataObjectKey> Key;
     Core::TevString Data;

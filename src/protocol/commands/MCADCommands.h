@@ -9,12 +9,24 @@
 
 namespace Corvane::CommandIO::DataManagement::MCAD {
 
+// Each input names the output its answer is read into.
+class CorvaneLockDesignRevisionsOutput;
+class CorvaneUnLockDesignRevisionsOutput;
+class CorvaneQueryDesignRevisionsOutput;
+class CorvaneQueryPrimaryObjectsOutput;
+class CorvaneGetNextIdOutput;
+class CorvaneGetNextRevisionIdOutput;
+class CorvaneAddChildrenOutput;
+class CorvaneGetChildrenOutput;
+class CorvaneRemoveChildrenOutput;
+
 using Core::CommandIO::VersionedCommandInputBase;
 
 class CorvaneLockDesignRevisionsInput : public VersionedCommandInputBase {
 public:
     CorvaneLockDesignRevisionsInput() : VersionedCommandInputBase("LOCKDESIGNREVISIONS") {}
     VANTO_JSON_WRITER(CorvaneLockDesignRevisionsInput)
+    using Output = CorvaneLockDesignRevisionsOutput;
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>> DesignIdentifiers;
     std::int32_t TimeToLive = 0;
@@ -36,6 +48,7 @@ class CorvaneUnLockDesignRevisionsInput : public VersionedCommandInputBase {
 public:
     CorvaneUnLockDesignRevisionsInput() : VersionedCommandInputBase("UNLOCKDESIGNREVISIONS") {}
     VANTO_JSON_WRITER(CorvaneUnLockDesignRevisionsInput)
+    using Output = CorvaneUnLockDesignRevisionsOutput;
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>> DesignIdentifiers;
 
@@ -56,6 +69,7 @@ class CorvaneQueryDesignRevisionsInput : public VersionedCommandInputBase {
 public:
     CorvaneQueryDesignRevisionsInput() : VersionedCommandInputBase("QUERYDESIGNREVISIONS") {}
     VANTO_JSON_WRITER(CorvaneQueryDesignRevisionsInput)
+    using Output = CorvaneQueryDesignRevisionsOutput;
 
     Core::UniquePtr<DataTypes::Search::CorvaneSearchCriteria> AttachmentCriteria;
     Core::UniquePtr<DataTypes::Search::CorvaneSearchCriteria> RevisionCriteria;
@@ -81,6 +95,7 @@ class CorvaneQueryPrimaryObjectsInput : public VersionedCommandInputBase {
 public:
     CorvaneQueryPrimaryObjectsInput() : VersionedCommandInputBase("QUERYPRIMARYOBJECTS") {}
     VANTO_JSON_WRITER(CorvaneQueryPrimaryObjectsInput)
+    using Output = CorvaneQueryPrimaryObjectsOutput;
 
     Core::TevString Identifier;
     std::int32_t IdentifierType = 0;
@@ -105,6 +120,7 @@ class CorvaneGetNextIdInput : public VersionedCommandInputBase {
 public:
     CorvaneGetNextIdInput() : VersionedCommandInputBase("GETNEXTID") {}
     VANTO_JSON_WRITER(CorvaneGetNextIdInput)
+    using Output = CorvaneGetNextIdOutput;
 
     Core::TevString FileExtension;
     std::int32_t NumberOfIds = 0;
@@ -129,6 +145,7 @@ class CorvaneGetNextRevisionIdInput : public VersionedCommandInputBase {
 public:
     CorvaneGetNextRevisionIdInput() : VersionedCommandInputBase("GETNEXTREVISIONID") {}
     VANTO_JSON_WRITER(CorvaneGetNextRevisionIdInput)
+    using Output = CorvaneGetNextRevisionIdOutput;
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneDesignIdentifier>>
         DesignRevisionIdentifiers;
@@ -152,6 +169,7 @@ class CorvaneAddChildrenInput : public VersionedCommandInputBase {
 public:
     CorvaneAddChildrenInput() : VersionedCommandInputBase("ADDCHILDREN") {}
     VANTO_JSON_WRITER(CorvaneAddChildrenInput)
+    using Output = CorvaneAddChildrenOutput;
 
     Core::DynamicArray<Core::UniquePtr<DataTypes::CorvaneAddChildInputInfo>>
         ParentChildRelationInfos;
@@ -175,6 +193,7 @@ class CorvaneGetChildrenInput : public VersionedCommandInputBase {
 public:
     CorvaneGetChildrenInput() : VersionedCommandInputBase("GETCHILDREN") {}
     VANTO_JSON_WRITER(CorvaneGetChildrenInput)
+    using Output = CorvaneGetChildrenOutput;
 
     Core::TevString Identifier;
     std::int32_t IdentifierType = 0;
@@ -198,6 +217,7 @@ class CorvaneRemoveChildrenInput : public VersionedCommandInputBase {
 public:
     CorvaneRemoveChildrenInput() : VersionedCommandInputBase("REMOVECHILDREN") {}
     VANTO_JSON_WRITER(CorvaneRemoveChildrenInput)
+    using Output = CorvaneRemoveChildrenOutput;
 
     Core::DynamicArray<Core::TevString> RelationURNs;
 

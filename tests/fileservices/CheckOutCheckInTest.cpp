@@ -1,0 +1,231 @@
+// Check-out, check-in and lock status through the interface: the requests, the log, the result on
+// each path and what becomes of the caller's map or list.
+#include "fileservices/CheckOutCheckIn.h"
+#include "fileservices/FileServicesFixture.h"
+
+namespace {
+
+using testsupport::ExceptionLine;
+using testsupport::FileServicesTest;
+using testsupport::Lines;
+using testsupport::Texts;
+
+class CheckOutCheckIn : public FileServicesTest {
+protected:
+    CheckOutCheckIn() { connector.Answer("GETSESSIONINFO", R"({"AuthenticatedUserName":"ann"})"); }
+    // What asking for the signed-in user writes.
+    static Lines UserLines() {
+        return {{2, L"Authenticated User Name is : ann"},
+                {2, L"Corvane Log Path is : "},
+                {2, L"Cloud Gateway Log Path is : "}};
+    }
+    static Lines Then(Lines lines, const Lines& more) {
+        lines.insert(lines.end(), more.begin(), more.end());
+        return lines;
+    }
+    static FileLockStatus HeldBy(const wchar_t* holder, bool byMe = false) {
+        return {true, byMe, false, holder};
+    }
+};
+
+TEST_F(CheckOutCheckIn, CheckOutLocksTheFreeFilesAndMarksWhoHoldsThem) {
+    FileLockStatusMap map{{L"/w/b.par", HeldBy(L"bob")},
+                          {L"/w/\u00e9.par", {}},
+                          {L"/w/A.asm", {}},
+                          {L"/w/mine.psm", HeldBy(L"ann", true)}};
+    // The holder's name differs from the user's in case only; a name the map lacks is passed over.
+    const std::string answer = R"({"Errors":[],"Status":[)"
+                               R"({"DesignIdentifier":"/w/a.ASM","LockedBy":"ANN"},)"
+                               R"({"DesignIdentifier":"/w/\u00e9.par","LockedBy":"Cl\u00e9o"},)"
+                               R"({"DesignIdentifier":"/w/zzz.par","LockedBy":"ann"}]})";
+    connector.Answer("LOCKDESIGNREVISIONS", answer);
+    EXPECT_EQ(S_OK, files->CheckOut(&map));
+
+    const std::string request =
+        R"({"Command":"LOCKDESIGNREVISIONS","SessionId":"s-1","Version":1,"DesignIdentifiers":[)"
+        R"({"Value":"/w/A.asm","IdentifierType":0},{"Value":"/w/)"
+        "\xC3\xA9"
+        R"(.par","IdentifierType":0}],)"
+        R"("TimeToLive":-1})";
+    EXPECT_EQ((Texts{"GETSESSIONINFO", "LOCKDESIGNREVISIONS"}), connector.CommandsSent());
+    EXPECT_EQ(request, Sent("LOCKDESIGNREVISIONS"));
+    EXPECT_EQ(
+        Then(UserLines(),
+             {{2, L"File Name : /w/A.asm"},
+              {2, L"File Name : /w/b.par, is not proceeded for lock call since it is checked out "
+                  L"to other user : bob"},
+              {2, L"File Name : /w/mine.psm, is not proceeded for lock call since it is checked "
+                  L"out to other user : ann"},
+              {2, L"File Name : /w/\u00e9.par"},
+              {2, L"LockDesignRevisions Input: " + GUserText(std::string_view(request)).wstr()},
+              {2, L"LockDesignRevisions Output: " + GUserText(std::string_view(answer)).wstr()},
+              {2, L"File Checkout successful."}}),
+        Take());
+    const FileLockStatus& a = map.at(L"/w/A.asm");
+    EXPECT_TRUE(a.isCheckedOut && a.isCheckedOutByCurrentUser);
+    EXPECT_EQ(L"ANN", a.checkedOutBy.wstr());
+    const FileLockStatus& e = map.at(L"/w/\u00e9.par");
+    EXPECT_TRUE(e.isCheckedOut && !e.isCheckedOutByCurrentUser);
+    EXPECT_EQ(L"Cl\u00e9o", e.checkedOutBy.wstr());
+    EXPECT_EQ(L"bob", map.at(L"/w/b.par").checkedOutBy.wstr());
+    EXPECT_EQ(4u, map.size());
+}
+
+TEST_F(CheckOutCheckIn, CheckOutPassesOverLockedObjectsButFailsOnOtherErrors) {
+    const auto checkOut = [this](const std::string& errors, FileLockStatusMap& map) {
+        connector.Answer("LOCKDESIGNREVISIONS",
+                         R"({"Errors":[)" + errors +
+                             R"(],"Status":[)"
+                             R"({"DesignIdentifier":"/w/a.par","LockedBy":"ann"},)"
+                             R"({"DesignIdentifier":"/w/b.par","LockedBy":"ann"}]})");
+        const HRESULT result = files->CheckOut(&map);
+        Lines lines = Take();
+        EXPECT_EQ(L"File Checkout successful.", lines.at(lines.size() - 2).second);
+        EXPECT_EQ((testsupport::Line{0, L"Error while checkout."}), lines.back());
+        return result;
+    };
+    // Locked by somebody else: the call still succeeds and that file stays as it was.
+    FileLockStatusMap map{{L"/w/a.par", {}}, {L"/w/b.par", {}}, {L"/w/c.par", {}}};
+    EXPECT_EQ(S_OK, checkOut(R"({"ErrorCode":13,"Ids":["/w/c.par"]})", map));
+    EXPECT_TRUE(map.at(L"/w/a.par").isCheckedOut && map.at(L"/w/b.par").isCheckedOut);
+    EXPECT_FALSE(map.at(L"/w/c.par").isCheckedOut);
+
+    // Any other code clears both flags of the files it names, just set or not; the holder stays.
+    FileLockStatusMap again{{L"/w/a.par", {}}, {L"/w/b.par", {}}};
+    EXPECT_EQ(E_FAIL, checkOut(R"({"ErrorCode":13,"Ids":["/w/a.par"]},)"
+                               R"({"ErrorCode":12,"Ids":["/W/B.PAR","/w/none.par"]})",
+                               again));
+    EXPECT_TRUE(again.at(L"/w/a.par").isCheckedOutByCurrentUser);
+    const FileLockStatus& b = again.at(L"/w/b.par");
+    EXPECT_FALSE(b.isCheckedOut || b.isCheckedOutByCurrentUser);
+    EXPECT_EQ(L"ann", b.checkedOutBy.wstr());
+}
+
+TEST_F(CheckOutCheckIn, CheckOutWithNothingToLockSendsNoLockCommand) {
+    FileLockStatusMap empty;
+    EXPECT_EQ(S_OK, files->CheckOut(&empty));
+    FileLockStatusMap held{{L"/w/a.par", HeldBy(L"bob")}};
+    EXPECT_EQ(S_OK, files->CheckOut(&held));
+    EXPECT_EQ((Texts{"GETSESSIONINFO", "GETSESSIONINFO"}), connector.CommandsSent());
+    // Only the user lines and the skip line: no answer came, so no success line either.
+    EXPECT_EQ(Then(Then(UserLines(), UserLines()),
+                   {{2, L"File Name : /w/a.par, is not proceeded for lock call since it is "
+                        L"checked out to other user : bob"}}),
+              Take());
+    EXPECT_EQ(L"bob", held.at(L"/w/a.par").checkedOutBy.wstr());
+}
+
+TEST_F(CheckOutCheckIn, CheckOutKeepsWhatWasMarkedWhenTheCallThrows) {
+    for (const auto& [failure, line] : ExceptionKinds()) {
+        connector.ClearFailures();
+        connector.Fail(Op::Execute, failure, "connector gone", "LOCKDESIGNREVISIONS");
+        FileLockStatusMap map{{L"/w/a.par", {}}};
+        EXPECT_EQ(E_FAIL, files->CheckOut(&map));
+        EXPECT_EQ(Then(UserLines(), {{2, L"File Name : /w/a.par"}, line}), Take());
+        EXPECT_FALSE(map.at(L"/w/a.par").isCheckedOut);
+    }
+}
+
+TEST_F(CheckOutCheckIn, CheckInSendsEveryEntryAndUpdatesTheFirstOfEachName) {
+    FileCheckInList list;
+    EXPECT_EQ(S_OK, files->CheckIn(&list));
+    EXPECT_EQ(R"({"Command":"UNLOCKDESIGNREVISIONS","SessionId":"s-1","Version":1,)"
+              R"("DesignIdentifiers":[]})",
+              Sent("UNLOCKDESIGNREVISIONS"));
+    connector.executeRequests.clear();
+    Take();
+
+    list = {{L"/w/a.par", 0, L""}, {L"/w/b.par", 0, L""}, {L"/w/a.par", 0, L""}};
+    const std::string answer = R"({"Status":[{"DesignIdentifier":"/w/a.par","LockedBy":"b\u00f6b",)"
+                               R"("ErrorCode":12},{"DesignIdentifier":"/W/B.PAR","ErrorCode":7}]})";
+    connector.Answer("UNLOCKDESIGNREVISIONS", answer);
+    EXPECT_EQ(S_OK, files->CheckIn(&list));
+    const std::string request =
+        R"({"Command":"UNLOCKDESIGNREVISIONS","SessionId":"s-1","Version":1,"DesignIdentifiers":[)"
+        R"({"Value":"/w/a.par","IdentifierType":0},{"Value":"/w/b.par","IdentifierType":0},)"
+        R"({"Value":"/w/a.par","IdentifierType":0}]})";
+    EXPECT_EQ(request, Sent("UNLOCKDESIGNREVISIONS"));
+    EXPECT_EQ(
+        (Lines{{2, L"File Name : /w/a.par"},
+               {2, L"File Name : /w/b.par"},
+               {2, L"File Name : /w/a.par"},
+               {2, L"UnLockDesignRevisions Input: " + GUserText(std::string_view(request)).wstr()},
+               {2, L"UnLockDesignRevisions Output: " + GUserText(std::string_view(answer)).wstr()},
+               {2, L"Check-in successful. No errors found."}}),
+        Take());
+    // Matching is exact: the upper-case name finds nothing.
+    EXPECT_EQ(12, list[0].errorCode);
+    EXPECT_EQ(L"b\u00f6b", list[0].lockedBy.wstr());
+    EXPECT_EQ(0, list[1].errorCode);
+    EXPECT_EQ(0, list[2].errorCode);
+}
+
+TEST_F(CheckOutCheckIn, CheckInWithErrorsLeavesTheListAsItCame) {
+    connector.Answer(
+        "UNLOCKDESIGNREVISIONS",
+        R"({"Errors":[{"ErrorCode":12},{"ErrorCode":3}],)"
+        R"("Status":[{"DesignIdentifier":"/w/a.par","LockedBy":"bob","ErrorCode":12}]})");
+    FileCheckInList list{{L"/w/a.par", 0, L""}};
+    EXPECT_EQ(E_FAIL, files->CheckIn(&list));
+    const Lines lines = Take();
+    EXPECT_EQ((testsupport::Line{0, L"Error while check-in."}), lines.back());
+    EXPECT_EQ(4u, lines.size()); // no LogErrors lines
+    EXPECT_EQ(0, list[0].errorCode);
+    EXPECT_TRUE(list[0].lockedBy.IsEmpty());
+}
+
+TEST_F(CheckOutCheckIn, LockStatusComesFromTheLockedByPropertyOfTheLockGroup) {
+    FileLockStatusMap map{{L"/w/a.par", {}},
+                          {L"/w/b.par", HeldBy(L"bob")},
+                          {L"/w/c.par", HeldBy(L"bob")},
+                          {L"/w/d.par", {}}};
+    connector.Answer(
+        "GETPROPERTIES",
+        R"({"FilePropertiesArray":[)"
+        R"({"FilePath":"/W/A.PAR","ObjectTypeToPropertiesArray":[{"ObjectType":1,"Properties":[)"
+        R"({"Name":"lockedby","PropertyValues":["Ann","x"]}]}]},)"
+        R"({"FilePath":"/w/b.par","ObjectTypeToPropertiesArray":[{"ObjectType":1,"Properties":[)"
+        R"({"Name":"LockedBy","PropertyValues":[""]}]}]},)"
+        R"({"FilePath":"/w/c.par","ObjectTypeToPropertiesArray":[{"ObjectType":2,"Properties":[)"
+        R"({"Name":"LockedBy","PropertyValues":[""]}]},{"ObjectType":1,"Properties":[)"
+        R"({"Name":"LockedBy","PropertyValues":[]}]}]},)"
+        R"({"FilePath":"/w/zzz.par","ObjectTypeToPropertiesArray":[]}]})");
+    EXPECT_EQ(S_OK, files->GetCheckOutStatus(&map, false));
+    EXPECT_EQ((Texts{"GETSESSIONINFO", "GETPROPERTIES"}), connector.CommandsSent());
+    EXPECT_EQ(R"({"Command":"GETPROPERTIES","SessionId":"s-1","Version":1,)"
+              R"("FilePathToObjectTypesArray":[{"Key":"/w/a.par","ObjectTypeList":[0,2,1]},)"
+              R"({"Key":"/w/b.par","ObjectTypeList":[0,2,1]},)"
+              R"({"Key":"/w/c.par","ObjectTypeList":[0,2,1]},)"
+              R"({"Key":"/w/d.par","ObjectTypeList":[0,2,1]}]})",
+              Sent("GETPROPERTIES"));
+    const FileLockStatus& a = map.at(L"/w/a.par");
+    EXPECT_TRUE(a.isCheckedOut && a.isCheckedOutByCurrentUser);
+    EXPECT_EQ(L"Ann", a.checkedOutBy.wstr());
+    // An empty holder frees the file but keeps the old name.
+    const FileLockStatus& b = map.at(L"/w/b.par");
+    EXPECT_FALSE(b.isCheckedOut || b.isCheckedOutByCurrentUser);
+    EXPECT_EQ(L"bob", b.checkedOutBy.wstr());
+    // Another group, and a holder without values, change nothing.
+    EXPECT_TRUE(map.at(L"/w/c.par").isCheckedOut);
+    EXPECT_FALSE(map.at(L"/w/d.par").isCheckedOut);
+    EXPECT_EQ(4u, map.size());
+
+    // Asked for, each file the answer names and the map holds is checked for a newer version.
+    connector.executeRequests.clear();
+    EXPECT_EQ(S_OK, files->GetCheckOutStatus(&map, true));
+    EXPECT_EQ(3u, connector.RequestsFor("CHECKFORNEWERVERSION").size());
+}
+
+TEST_F(CheckOutCheckIn, LockStatusGivesBackAFailedPropertiesResultUntouched) {
+    connector.Answer("GETPROPERTIES", R"({"Errors":[{"ErrorCode":8}],"FilePropertiesArray":[)"
+                                      R"({"FilePath":"/w/a.par","ObjectTypeToPropertiesArray":[)"
+                                      R"({"ObjectType":1,"Properties":[{"Name":"LockedBy",)"
+                                      R"("PropertyValues":["bob"]}]}]}]})");
+    FileLockStatusMap map{{L"/w/a.par", {}}};
+    EXPECT_EQ(E_FAIL, files->GetCheckOutStatus(&map, true));
+    EXPECT_FALSE(map.at(L"/w/a.par").isCheckedOut);
+    EXPECT_EQ(Then(UserLines(), {{0, L"Error getting file properties."}}), Take());
+    EXPECT_EQ((Texts{"GETSESSIONINFO", "GETPROPERTIES"}), connector.CommandsSent());
+}
+
+} // namespace
