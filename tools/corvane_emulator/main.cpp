@@ -40,6 +40,7 @@ std::string DefaultDataFolder() {
 struct ServeOptions {
     std::string data;
     std::string endpointFile;
+    std::string cloud;
     bool memory = false;
     std::uint16_t port = 0;
     std::string user;
@@ -87,7 +88,10 @@ int Serve(ServeOptions options) {
         workspace.importFile = fs::absolute(workspace.importFile).string();
     }
 
-    Store store(options.memory ? ":memory:" : options.data + "/corvane.db");
+    // Two desktops (two emulators, each with its user and data folder) may share one cloud.
+    Store store(options.memory          ? ":memory:"
+                : options.cloud.empty() ? options.data + "/corvane.db"
+                                        : fs::absolute(options.cloud).string());
     RememberWorkspace(store, workspace);
     HandlerOptions handlerOptions;
     if (!options.user.empty()) {
@@ -154,6 +158,9 @@ int main(int argc, char** argv) {
                              "The workspace folder as clients name it (e.g. a Wine path)");
     serveCommand->add_option("--user", serve.user, "User signed in at this desktop");
     serveCommand->add_flag("--memory", serve.memory, "Keep the database in memory");
+    serveCommand->add_option(
+        "--cloud", serve.cloud,
+        "Database file, shared with other desktops (default: DATA/corvane.db)");
     serveCommand->add_option("--port", serve.port, "Port (default: chosen by the system)");
     serveCommand->add_option("--endpoint-file", serve.endpointFile,
                              "Where to write port and secret (default: DATA/endpoint.json)");

@@ -29,7 +29,9 @@ TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
         parts.push_back((workspace / ("part-" + std::to_string(i) + ".par")).string());
         std::ofstream(parts.back()) << "part " << i;
     }
-    testsupport::EmulatorProcess emulator({}, workspace.wstring());
+    testsupport::EmulatorProcess::Options options;
+    options.workspace = workspace.wstring();
+    testsupport::EmulatorProcess emulator(options);
     const Corvane::Endpoint endpoint = emulator.Endpoint();
 
     std::vector<std::string> taken;
