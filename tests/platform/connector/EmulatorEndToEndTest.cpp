@@ -8,6 +8,7 @@
 #include "support/ComTestSupport.h"
 #include "support/EmulatorProcess.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -141,7 +142,9 @@ TEST_F(EmulatorSession, CheckOutAndCheckInFollowTheLocksOfTheCloud) {
     FileStatusInformation status;
     EXPECT_EQ(S_OK, files->GetStatusInformation(shaft, &status));
     EXPECT_EQ(0, status.isNewVersionAvailable);
-    emulator->Control(R"({"Action":"save","User":"Ben Okafor","Path":")" + shaft.Narrow() + "\"}");
+    const boost::json::object save{
+        {"Action", "save"}, {"User", "Ben Okafor"}, {"Path", shaft.Narrow()}};
+    ASSERT_TRUE(Contains(emulator->Control(boost::json::serialize(save)), R"("Ok":true)"));
     EXPECT_TRUE(files->IsNewVersionAvailable(shaft));
     EXPECT_EQ(S_OK, files->GetStatusInformation(shaft, &status));
     EXPECT_EQ(1, status.isNewVersionAvailable);
