@@ -193,18 +193,9 @@ std::string ConnectorLink::Call(const Endpoint& endpoint, std::string_view opera
                                 std::string_view body) {
     State& s = *state_;
     const auto deadline = Clock::now() + timeout_;
-    if (s.open) {
-        // A connection whose other end has gone (the emulator restarted) reads as end of
-        // file at once; it is replaced before anything is sent on it.
-        error_code error;
-        s.socket.non_blocking(true, error);
-        char probe = 0;
-        s.socket.read_some(asio::buffer(&probe, 1), error);
-        s.socket.non_blocking(false, error);
-        if (error != asio::error::would_block || s.connectedTo.port != endpoint.port ||
-            s.connectedTo.secret != endpoint.secret) {
-            Close();
-        }
+    if (Alive() &&
+        (s.connectedTo.port != endpoint.port || s.connectedTo.secret != endpoint.secret)) {
+        Close();
     }
     if (!s.open) {
         Connect(endpoint, deadline);
@@ -226,6 +217,25 @@ std::string ConnectorLink::Call(const Endpoint& endpoint, std::string_view opera
         throw Fail(Failure::Lost, error.message());
     }
     return answer;
+}
+
+bool ConnectorLink::Alive() noexcept {
+    State& s = *state_;
+    if (!s.open) {
+        return false;
+    }
+    // A connection whose other end has gone (the emulator restarted) reads as end of file at
+    // once; it is replaced before anything is sent on it.
+    error_code error;
+    s.socket.non_blocking(true, error);
+    char probe = 0;
+    s.socket.read_some(asio::buffer(&probe, 1), error);
+    s.socket.non_blocking(false, error);
+    if (error != asio::error::would_block) {
+        Close();
+        return false;
+    }
+    return true;
 }
 
 bool ConnectorLink::Reaches(const Endpoint& endpoint) noexcept {

@@ -44,6 +44,8 @@ public:
     // Only connects and shakes hands (within the deadline); false on any failure.
     bool Reaches(const Endpoint& endpoint) noexcept;
     void Close() noexcept;
+    // Whether a connection is open and its other end has not closed it (closes it if so).
+    bool Alive() noexcept;
 
     std::chrono::milliseconds Timeout() const { return timeout_; }
 

@@ -65,13 +65,18 @@ std::wstring EmulatorConnector::EndpointFile() {
 }
 
 std::string EmulatorConnector::Call(const char* operation, const Core::TevString& body) {
+    // The endpoint file is read again only when there is no live connection to the emulator it
+    // named (a restarted emulator has a new port and secret, and its old connection is closed).
     const std::wstring file = EndpointFile();
-    const auto endpoint = ReadEndpointFile(file);
-    if (!endpoint) {
+    if (!endpoint_ || file != endpointFile_ || !link_.Alive()) {
+        endpoint_ = ReadEndpointFile(file);
+        endpointFile_ = file;
+    }
+    if (!endpoint_) {
         throw CorvaneCommunicationException("Corvane connector: no endpoint (no readable file " +
                                             platform::os::WideToUtf8(file) + ")");
     }
-    return link_.Call(*endpoint, operation, body);
+    return link_.Call(*endpoint_, operation, body);
 }
 
 Core::TevString EmulatorConnector::Execute(const Core::TevString& input) {

@@ -13,6 +13,7 @@
 #include "connector/ConnectorBackend.h"
 #include "connector/ConnectorLink.h"
 
+#include <optional>
 #include <string>
 
 namespace Corvane {
@@ -42,6 +43,8 @@ private:
 
     ConnectorLink link_;
     ConnectorLink queries_;
+    std::optional<Endpoint> endpoint_;
+    std::wstring endpointFile_;
 };
 
 } // namespace Corvane
