@@ -1,22 +1,16 @@
 // The log formatter with any format and any arguments. Bytes are characters; a byte 0x01 ends
 // the format and each argument, and an argument that is the single byte 0x02 is a null pointer.
+#include "Require.h"
 #include "log/VANTOLog.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 namespace {
 
-void Require(bool holds, const char* what) {
-    if (!holds) {
-        std::fprintf(stderr, "broken: %s\n", what);
-        std::abort();
-    }
-}
+using vanto::fuzz::Require;
 
 constexpr std::size_t MaxArguments = 4;
 constexpr std::size_t NullText = 6; // "(null)"

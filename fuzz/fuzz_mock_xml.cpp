@@ -1,10 +1,9 @@
 // Any text as the mock's input file, read into a fresh store each time.
+#include "Require.h"
 #include "mock/MockStore.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -13,11 +12,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     vanto::mock::MockStore store;
     vanto::mock::ReadInput(xml, store);
     // Too deep a file is refused before anything is taken from it.
-    if (vanto::mock::DeepestNesting(xml) > vanto::mock::MaxInputNesting &&
-        (!store.files.empty() || !store.projects.empty() || !store.rootFolder.IsEmpty() ||
-         !store.userName.IsEmpty())) {
-        std::fprintf(stderr, "broken: a file nested too deep was read\n");
-        std::abort();
-    }
+    const bool empty = store.files.empty() && store.projects.empty() &&
+                       store.rootFolder.IsEmpty() && store.userName.IsEmpty();
+    vanto::fuzz::Require(empty || vanto::mock::DeepestNesting(xml) <= vanto::mock::MaxInputNesting,
+                         "a file nested too deep is not read");
     return 0;
 }

@@ -2,24 +2,18 @@
 // Whatever the text, reading it neither crashes nor leaks, reading it again into the same record
 // changes nothing, and what the record writes reads back to the same record.
 #include "RecordTypes.h"
+#include "Require.h"
 
 #include "core/MemoryManager.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string_view>
 #include <vector>
 
 namespace {
 
-void Require(bool holds, const char* what) {
-    if (!holds) {
-        std::fprintf(stderr, "broken: %s\n", what);
-        std::abort();
-    }
-}
+using vanto::fuzz::Require;
 
 template <class T> void Check(std::string_view text) {
     const std::int64_t live = Core::MemoryManager::LiveAllocations();

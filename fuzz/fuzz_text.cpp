@@ -1,24 +1,18 @@
 // The conversions between UTF-8 and wide text. The first byte chooses the direction; the rest is
 // the text (for wide text, every four bytes one character). Each direction gives valid text of
 // the other kind, and valid text makes the round trip unchanged.
+#include "Require.h"
 #include "os/TextConversion.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
 
 namespace {
 
-void Require(bool holds, const char* what) {
-    if (!holds) {
-        std::fprintf(stderr, "broken: %s\n", what);
-        std::abort();
-    }
-}
+using vanto::fuzz::Require;
 
 bool IsScalarValue(std::uint32_t c) {
     return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);

@@ -9,14 +9,26 @@
 #include "protocol/registration/Registration.h"
 #include "protocol/registration/SessionOutputs.h"
 
+#include <string>
+
 namespace testsupport {
+
+// The file-information object of document `n` (component c-n, document d-n) at `paths`, the
+// inside of a JSON array of texts.
+inline std::string Document(const std::string& paths, char n) {
+    const std::string id(1, n);
+    return R"({"FilePaths":[)" + paths + R"(],"ComponentId":"c-)" + id +
+           R"(","ComponentRevisionId":"cr-)" + id + R"(","DocumentId":"d-)" + id +
+           R"(","ComponentUrn":"urn:c:)" + id + R"(","ComponentRevisionUrn":"urn:cr:)" + id +
+           R"(","DocumentUrn":"urn:d:)" + id + R"("})";
+}
 
 template <class In, class Out> struct Sample {
     using Input = In;
     using Output = Out;
-    const char* name;
-    const char* input;
-    const char* output; // null when no answer is read
+    std::string name;
+    std::string input;
+    std::string output; // empty when no answer is read
 };
 
 namespace samples {
@@ -73,15 +85,13 @@ template <class Visit> void ForEachSample(Visit&& visit) {
         R"({"Command":"QUERYPRIMARYOBJECTS","SessionId":"s-1","Version":1,)"
         R"("Identifier":"C:\\Corvane\\Pump\\Housing.par","IdentifierType":0,)"
         R"("RelationTypes":["DrawingOf","DesignChildRelation"]})",
-        R"({"Errors":[],"QueryRelationInfos":[{"InputDocument":{"FilePaths":)"
-        R"(["C:\\Corvane\\Pump\\Housing.par"],"ComponentId":"c-1","ComponentRevisionId":"cr-1",)"
-        R"("DocumentId":"d-1","ComponentUrn":"urn:c:1","ComponentRevisionUrn":"urn:cr:1",)"
-        R"("DocumentUrn":"urn:d:1"},"Relations":[{"RelatedDocument":{"FilePaths":)"
-        R"(["C:\\Corvane\\Pump\\Pump.asm"],"ComponentId":"c-2","ComponentRevisionId":"cr-2",)"
-        R"("DocumentId":"d-2","ComponentUrn":"urn:c:2","ComponentRevisionUrn":"urn:cr:2",)"
-        R"("DocumentUrn":"urn:d:2"},"RelationId":"r-1","RelationUrn":"urn:r:1",)"
-        R"("RelationType":"DesignChildRelation","RelationConsistencyStamp":"st-5",)"
-        R"("RelationProperties":[]}]}]})"});
+        R"({"Errors":[],"QueryRelationInfos":[{"InputDocument":)" +
+            Document(R"("C:\\Corvane\\Pump\\Housing.par")", '1') +
+            R"(,"Relations":[{"RelatedDocument":)" +
+            Document(R"("C:\\Corvane\\Pump\\Pump.asm")", '2') +
+            R"(,"RelationId":"r-1","RelationUrn":"urn:r:1",)"
+            R"("RelationType":"DesignChildRelation","RelationConsistencyStamp":"st-5",)"
+            R"("RelationProperties":[]}]}]})"});
     visit(Sample<CorvaneGetNextIdInput, CorvaneGetNextIdOutput>{
         "GETNEXTID",
         R"({"Command":"GETNEXTID","SessionId":"s-1","Version":1,"FileExtension":"par",)"
@@ -102,28 +112,24 @@ template <class Visit> void ForEachSample(Visit&& visit) {
         R"({"ParentIdentifier":"C:\\Corvane\\Pump\\Pump.asm","ParentIdentifierType":0,)"
         R"("ChildRevisionInfos":[{"Identifier":"C:\\Corvane\\Pump\\Housing.par",)"
         R"("IdentifierType":0,"RelationProperties":[]}]}]})",
-        R"({"Errors":[],"ParentChildRelationInfo":[{"ParentDocumentInfo":{"FilePaths":)"
-        R"(["C:\\Corvane\\Pump\\Pump.asm"],"ComponentId":"c-2","ComponentRevisionId":"cr-2",)"
-        R"("DocumentId":"d-2","ComponentUrn":"urn:c:2","ComponentRevisionUrn":"urn:cr:2",)"
-        R"("DocumentUrn":"urn:d:2"},"ChildRelationInfos":[{"ChildDocumentInfo":{"FilePaths":)"
-        R"(["C:\\Corvane\\Pump\\Housing.par"],"ComponentId":"c-1","ComponentRevisionId":"cr-1",)"
-        R"("DocumentId":"d-1","ComponentUrn":"urn:c:1","ComponentRevisionUrn":"urn:cr:1",)"
-        R"("DocumentUrn":"urn:d:1"},"RelationId":"r-1","RelationUrn":"urn:r:1",)"
-        R"("RelationType":"DesignChildRelation","RelationVersionId":"1",)"
-        R"("RelationProperties":[{"Name":"Quantity","PropertyType":1,"PropertyValues":["2"]}]}]}]})"});
+        R"({"Errors":[],"ParentChildRelationInfo":[{"ParentDocumentInfo":)" +
+            Document(R"("C:\\Corvane\\Pump\\Pump.asm")", '2') +
+            R"(,"ChildRelationInfos":[{"ChildDocumentInfo":)" +
+            Document(R"("C:\\Corvane\\Pump\\Housing.par")", '1') +
+            R"(,"RelationId":"r-1","RelationUrn":"urn:r:1",)"
+            R"("RelationType":"DesignChildRelation","RelationVersionId":"1",)"
+            R"("RelationProperties":[{"Name":"Quantity","PropertyType":1,"PropertyValues":["2"]}]}]}]})"});
     visit(Sample<CorvaneGetChildrenInput, CorvaneGetChildrenOutput>{
         "GETCHILDREN",
         R"({"Command":"GETCHILDREN","SessionId":"s-1","Version":1,)"
         R"("Identifier":"C:\\Corvane\\Pump\\Pump.asm","IdentifierType":0})",
-        R"({"Errors":[],"ParentChildRelationInfo":[{"ParentDocumentInfo":{"FilePaths":)"
-        R"(["C:\\Corvane\\Pump\\Pump.asm"],"ComponentId":"c-2","ComponentRevisionId":"cr-2",)"
-        R"("DocumentId":"d-2","ComponentUrn":"urn:c:2","ComponentRevisionUrn":"urn:cr:2",)"
-        R"("DocumentUrn":"urn:d:2"},"ChildRelationInfos":[{"ChildDocumentInfo":{"FilePaths":)"
-        R"(["C:\\Corvane\\Pump\\Housing.txt","C:\\Corvane\\Pump\\Housing.par"],)"
-        R"("ComponentId":"c-1","ComponentRevisionId":"cr-1","DocumentId":"d-1",)"
-        R"("ComponentUrn":"urn:c:1","ComponentRevisionUrn":"urn:cr:1","DocumentUrn":"urn:d:1"},)"
-        R"("RelationId":"r-1","RelationUrn":"urn:r:1","RelationType":"DesignChildRelation",)"
-        R"("RelationVersionId":"1","RelationProperties":[]}]}]})"});
+        R"({"Errors":[],"ParentChildRelationInfo":[{"ParentDocumentInfo":)" +
+            Document(R"("C:\\Corvane\\Pump\\Pump.asm")", '2') +
+            R"(,"ChildRelationInfos":[{"ChildDocumentInfo":)" +
+            Document(R"("C:\\Corvane\\Pump\\Housing.txt","C:\\Corvane\\Pump\\Housing.par")", '1') +
+            R"(,)"
+            R"("RelationId":"r-1","RelationUrn":"urn:r:1","RelationType":"DesignChildRelation",)"
+            R"("RelationVersionId":"1","RelationProperties":[]}]}]})"});
     visit(Sample<CorvaneRemoveChildrenInput, CorvaneRemoveChildrenOutput>{
         "REMOVECHILDREN",
         R"({"Command":"REMOVECHILDREN","SessionId":"s-1","Version":1,)"
@@ -133,11 +139,10 @@ template <class Visit> void ForEachSample(Visit&& visit) {
         "GETFILECONTEXTINFO",
         R"({"Command":"GETFILECONTEXTINFO","SessionId":"s-1","Version":1,)"
         R"("Files":["C:\\Corvane\\Pump\\Housing.par"]})",
-        R"({"Errors":[],"FileContextInformation":[{"FileInformation":[{"FilePaths":)"
-        R"(["C:\\Corvane\\Pump\\Housing.par"],"ComponentId":"c-1","ComponentRevisionId":"cr-1",)"
-        R"("DocumentId":"d-1","ComponentUrn":"urn:c:1","ComponentRevisionUrn":"urn:cr:1",)"
-        R"("DocumentUrn":"urn:d:1"}],"ContextInformation":{"CollaborationSpaceId":"cs-1",)"
-        R"("ContainerType":"PROJECT","ContainerId":"p-4","ContainerURN":"urn:p:4"}}]})"});
+        R"({"Errors":[],"FileContextInformation":[{"FileInformation":[)" +
+            Document(R"("C:\\Corvane\\Pump\\Housing.par")", '1') +
+            R"(],"ContextInformation":{"CollaborationSpaceId":"cs-1",)"
+            R"("ContainerType":"PROJECT","ContainerId":"p-4","ContainerURN":"urn:p:4"}}]})"});
     visit(Sample<CorvaneGetFilePathByUidInput, CorvaneGetFilePathByUidOutput>{
         "GETFILEPATHBYUID",
         R"({"Command":"GETFILEPATHBYUID","SessionId":"s-1","Version":1,)"
@@ -210,7 +215,7 @@ template <class Visit> void ForEachSample(Visit&& visit) {
         R"({"SessionId":"0f8e-77aa"})"});
     // Deregistration reads no answer.
     visit(Sample<DeRegisterClientInput, void>{
-        "DEREGISTER", R"({"SessionId":"0f8e-77aa","ProcessId":0,"ProcessStartTime":""})", nullptr});
+        "DEREGISTER", R"({"SessionId":"0f8e-77aa","ProcessId":0,"ProcessStartTime":""})", ""});
 }
 
 } // namespace testsupport
