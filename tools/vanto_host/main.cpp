@@ -2,6 +2,7 @@
 // demo, runs the host's PDM workflows on the mock interfaces.
 //   vanto_host [load] [--module PATH]
 //   vanto_host demo [--module PATH] [DOCUMENT...]
+//   vanto_host --version
 #include "VANTO.h"
 #include "host/GUserFileName.h"
 #include "os/DynamicLibrary.h"
@@ -10,6 +11,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -29,11 +31,14 @@ struct Options {
     std::vector<GUserText> documents;
 };
 
+// Beside the program (the build tree), else where the install puts the module.
 std::string DefaultModulePath(const char* argv0) {
     std::string self = argv0 != nullptr ? argv0 : "";
     const std::size_t slash = self.find_last_of("/\\");
     const std::string folder = slash == std::string::npos ? "." : self.substr(0, slash);
-    return folder + "/" + VANTO_MODULE_FILE;
+    const std::string beside = folder + "/" + VANTO_MODULE_FILE;
+    std::error_code error;
+    return std::filesystem::exists(beside, error) ? beside : folder + "/" + VANTO_INSTALLED_MODULE;
 }
 
 bool ParseOptions(int argc, char** argv, Options& options) {
@@ -294,10 +299,15 @@ int RunDemo(IUnknown* manager, const PathList& documents) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("vanto_host %s\n", VANTO_VERSION);
+        return 0;
+    }
     Options options;
     if (!ParseOptions(argc, argv, options)) {
         std::fprintf(stderr, "usage: vanto_host [load] [--module PATH]\n"
-                             "       vanto_host demo [--module PATH] [DOCUMENT...]\n");
+                             "       vanto_host demo [--module PATH] [DOCUMENT...]\n"
+                             "       vanto_host --version\n");
         return 2;
     }
     platform::os::DynamicLibrary module(options.module);
