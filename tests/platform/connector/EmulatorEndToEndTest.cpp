@@ -1,0 +1,152 @@
+// The component's real path: the default backend, the transport and a running emulator.
+#include "connector/ConnectorLink.h"
+#include "connector/CorvaneClient.h"
+#include "protocol/Envelope.h"
+#include "session/SessionState.h"
+#include "support/ComTestSupport.h"
+#include "support/EmulatorProcess.h"
+
+#include <boost/asio/connect.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/write.hpp>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using testsupport::EmulatorProcess;
+
+#define SKIP_WITHOUT_EMULATOR()                                                                    \
+    if (!EmulatorProcess::Available()) {                                                           \
+        GTEST_SKIP() << "this build has no emulator program to start";                             \
+    }
+
+class EmulatorSession : public ::testing::Test {
+protected:
+    void SetUp() override { vanto::ResetSessionStateForTesting(); }
+    void TearDown() override { vanto::ResetSessionStateForTesting(); }
+};
+
+TEST_F(EmulatorSession, TheDefaultBackendConnectsRegistersAndReadsTheSession) {
+    SKIP_WITHOUT_EMULATOR();
+    EmulatorProcess emulator;
+    testsupport::ManagerHandle manager;
+    IVANTOSession* session = manager.Session();
+    EXPECT_TRUE(session->IsCorvaneInstalled());
+    EXPECT_TRUE(session->IsCorvaneRunning());
+    EXPECT_TRUE(session->IsConnected(true));
+    EXPECT_FALSE(session->IsCorvaneInOffLineMode());
+
+    SessionInfo info;
+    EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
+    EXPECT_EQ(GUserText(L"Ada Byrne"), info.authenticatedUserName);
+    RootFolderSet roots;
+    EXPECT_EQ(S_OK, session->GetRootFolders(&roots));
+    ASSERT_EQ(1u, roots.size());
+    EXPECT_EQ(GUserText(emulator.WorkspaceFolder().c_str()), *roots.begin());
+    EXPECT_NE(std::string::npos,
+              emulator.Control(R"({"Action":"status"})").find(R"("Sessions":1)"));
+
+    // Offline: the status check fails and says so.
+    emulator.Control(R"({"Action":"offline"})");
+    EXPECT_FALSE(session->IsConnected(true));
+    EXPECT_TRUE(session->IsCorvaneInOffLineMode());
+    emulator.Control(R"({"Action":"online"})");
+    EXPECT_TRUE(session->IsConnected(true));
+
+    session->DeRegisterFromCorvane();
+    EXPECT_NE(std::string::npos,
+              emulator.Control(R"({"Action":"status"})").find(R"("Sessions":0)"));
+}
+
+TEST_F(EmulatorSession, NothingRunningIsNotRunningAndCommandsSayWhy) {
+    SKIP_WITHOUT_EMULATOR();
+    EmulatorProcess emulator;
+    emulator.Stop();
+    Corvane::CorvaneApplication application;
+    EXPECT_TRUE(application.IsInstalled());
+    EXPECT_FALSE(application.IsRunning());
+    EXPECT_FALSE(application.IsReady());
+    try {
+        Corvane::CorvaneProxyFactory().CreateCorvaneProxy()->Execute("{}");
+        ADD_FAILURE() << "no exception";
+    } catch (const Corvane::CorvaneCommunicationException& error) {
+        EXPECT_NE(std::string::npos, std::string(error.what()).find("no endpoint")) << error.what();
+    }
+}
+
+TEST(EmulatorTransport, AClientWithoutTheSecretGetsNothingAndOthersAreStillServed) {
+    SKIP_WITHOUT_EMULATOR();
+    EmulatorProcess emulator;
+    Corvane::Endpoint wrong = emulator.Endpoint();
+    wrong.secret[0] = wrong.secret[0] == 'a' ? 'b' : 'a';
+    Corvane::ConnectorLink link(std::chrono::seconds(5));
+    try {
+        link.Call(wrong, "ready", "");
+        ADD_FAILURE() << "answered without the secret";
+    } catch (const Corvane::CorvaneCommunicationException& error) {
+        EXPECT_NE(std::string::npos, std::string(error.what()).find("handshake refused"))
+            << error.what();
+    }
+
+    // Garbage: a frame header claiming 4 GB, then noise; and a client that says nothing at all.
+    namespace asio = boost::asio;
+    asio::io_context io;
+    asio::ip::tcp::socket garbage(io);
+    asio::ip::tcp::socket silent(io);
+    const asio::ip::tcp::endpoint address(asio::ip::address_v4::loopback(),
+                                          emulator.Endpoint().port);
+    garbage.connect(address);
+    silent.connect(address);
+    const unsigned char noise[] = {0xFF, 0xFF, 0xFF, 0xFF, 'n', 'o', 'i', 's', 'e'};
+    asio::write(garbage, asio::buffer(noise));
+    char byte = 0;
+    boost::system::error_code error;
+    garbage.read_some(asio::buffer(&byte, 1), error);
+    // Closed on it: end of file, or a reset when the noise was still unread.
+    EXPECT_TRUE(error == asio::error::eof || error == asio::error::connection_reset) << error;
+
+    EXPECT_EQ(R"({"Ready":true})", link.Call(emulator.Endpoint(), "ready", ""));
+}
+
+TEST(EmulatorTransport, HostileBodiesAreAnsweredAndTheNextClientIsServed) {
+    SKIP_WITHOUT_EMULATOR();
+    EmulatorProcess emulator;
+    Corvane::ConnectorLink link(std::chrono::seconds(20));
+    const auto endpoint = emulator.Endpoint();
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    for (const std::string& body :
+         {std::string(R"({"Command":"LOCKDESIGNREVISIONS","DesignIdentifiers":)") + deep + "}",
+          std::string(R"({"Command":"GETPROPERTIES","SessionId":")") +
+              std::string(50u * 1024u * 1024u, 's') + "\"}",
+          std::string("{\"Command\":\"GETCHILDREN\",\"Identifier\":\"\xFF\xFE\"}"),
+          std::string(R"({"Command":"GETNEXTID","NumberOfIds":"ten")")}) {
+        const Corvane::CommandIO::CommandOutputBase answer(link.Call(endpoint, "execute", body));
+        ASSERT_EQ(1u, answer.Errors.size());
+        EXPECT_EQ(7, answer.Errors[0]->ErrorCode);
+    }
+    Corvane::ConnectorLink next(std::chrono::seconds(5));
+    EXPECT_EQ(R"({"Ready":true})", next.Call(endpoint, "ready", ""));
+}
+
+TEST(EmulatorTransport, ACallPastItsTimeOutSaysSoAndTheNextCallWorks) {
+    SKIP_WITHOUT_EMULATOR();
+    EmulatorProcess emulator;
+    emulator.Control(
+        R"({"Action":"fault","Command":"GETCONNECTIONSTATUS","LatencyMs":1500,"Times":1})");
+    Corvane::ConnectorLink link(std::chrono::milliseconds(300));
+    const std::string status = R"({"Command":"GETCONNECTIONSTATUS","SessionId":"x"})";
+    try {
+        link.Call(emulator.Endpoint(), "execute", status);
+        ADD_FAILURE() << "no time-out";
+    } catch (const Corvane::CorvaneCommunicationException& error) {
+        EXPECT_NE(std::string::npos, std::string(error.what()).find("time-out")) << error.what();
+    }
+    const Corvane::CommandIO::CommandOutputBase answer(
+        link.Call(emulator.Endpoint(), "execute", status));
+    ASSERT_EQ(1u, answer.Errors.size());
+    EXPECT_EQ(3, answer.Errors[0]->ErrorCode); // unknown session, answered at once
+}
+
+} // namespace
