@@ -57,6 +57,32 @@ std::vector<std::string> FakeConnector::CommandsSent() const {
     return commands;
 }
 
+void FakeConnector::FailCall(std::size_t index, Failure failure, std::string message) {
+    indexedFailures_.push_back({index, failure, std::move(message)});
+}
+
+void FakeConnector::Throw(Failure failure, const std::string& message) {
+    switch (failure) {
+    case Failure::Communication:
+        throw CorvaneCommunicationException(message);
+    case Failure::Standard:
+        throw std::runtime_error(message);
+    case Failure::Foreign:
+        break;
+    }
+    throw ForeignException{message};
+}
+
+void FakeConnector::Called(std::string call) {
+    const std::size_t index = calls.size();
+    calls.push_back(std::move(call));
+    for (const IndexedFailure& scripted : indexedFailures_) {
+        if (scripted.index == index) {
+            Throw(scripted.failure, scripted.message);
+        }
+    }
+}
+
 void FakeConnector::ThrowIfScripted(Operation operation, const std::string& command) {
     for (ScriptedFailure& scripted : failures_) {
         if (scripted.operation != operation || scripted.times == 0 ||
@@ -66,20 +92,14 @@ void FakeConnector::ThrowIfScripted(Operation operation, const std::string& comm
         if (scripted.times > 0) {
             --scripted.times;
         }
-        switch (scripted.failure) {
-        case Failure::Communication:
-            throw CorvaneCommunicationException(scripted.message);
-        case Failure::Standard:
-            throw std::runtime_error(scripted.message);
-        case Failure::Foreign:
-            throw ForeignException{scripted.message};
-        }
+        Throw(scripted.failure, scripted.message);
     }
 }
 
 Core::TevString FakeConnector::Execute(const Core::TevString& input) {
     executeRequests.push_back(input.str());
     const std::string command = CommandOf(input.str());
+    Called("Execute " + command);
     ThrowIfScripted(Operation::Execute, command);
     const auto answer = answers_.find(command);
     if (answer == answers_.end()) {
@@ -90,12 +110,14 @@ Core::TevString FakeConnector::Execute(const Core::TevString& input) {
 
 Core::TevString FakeConnector::RegisterClient(const Core::TevString& input) {
     registerRequests.push_back(input.str());
+    Called("RegisterClient");
     ThrowIfScripted(Operation::RegisterClient, std::string());
     return Core::TevString(registerAnswer);
 }
 
 void FakeConnector::DeRegisterClient(const Core::TevString& input) {
     deregisterRequests.push_back(input.str());
+    Called("DeRegisterClient");
     ThrowIfScripted(Operation::DeRegisterClient, std::string());
 }
 
@@ -114,6 +136,7 @@ bool FakeConnector::IsReady() {
 void FakeConnector::LaunchApplication(const Core::TevString& arguments) {
     ++launches;
     launchArguments.push_back(arguments.str());
+    Called("LaunchApplication");
     ThrowIfScripted(Operation::LaunchApplication, std::string());
     if (launchStartsRunning) {
         running = true;

@@ -4,6 +4,7 @@
 
 #include "connector/ConnectorBackend.h"
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -39,6 +40,12 @@ public:
     void Fail(Operation operation, Failure failure, std::string message, std::string command = "",
               int times = -1);
     void ClearFailures() { failures_.clear(); }
+
+    // Every call that may throw (the four operations), in order, as "Execute <command>",
+    // "RegisterClient", "DeRegisterClient" or "LaunchApplication".
+    std::vector<std::string> calls;
+    // Makes the call at `index` of `calls` (counted from 0) throw, once, whatever it is.
+    void FailCall(std::size_t index, Failure failure, std::string message);
 
     // Requests as received, per operation.
     std::vector<std::string> executeRequests;
@@ -83,9 +90,18 @@ private:
         int times;
     };
     void ThrowIfScripted(Operation operation, const std::string& command);
+    // Records the call in `calls` and throws when it is the one FailCall named.
+    void Called(std::string call);
+    [[noreturn]] static void Throw(Failure failure, const std::string& message);
 
     std::map<std::string, Responder> answers_;
     std::vector<ScriptedFailure> failures_;
+    struct IndexedFailure {
+        std::size_t index;
+        Failure failure;
+        std::string message;
+    };
+    std::vector<IndexedFailure> indexedFailures_;
     ConnectorBackend* previous_;
 };
 

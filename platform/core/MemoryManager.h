@@ -14,6 +14,12 @@ public:
 
     // Blocks handed out by Allocate and not yet freed, process-wide.
     static std::int64_t LiveAllocations() noexcept;
+
+    // Test seam, never used by the component. Calls to Allocate so far, process-wide.
+    static std::int64_t AllocationCount() noexcept;
+    // Test seam: the `nth` call to Allocate from now on (1 = the next one) throws std::bad_alloc,
+    // once; 0 switches a pending failure off.
+    static void FailAllocationForTesting(std::int64_t nth) noexcept;
 };
 
 } // namespace Core

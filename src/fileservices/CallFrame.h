@@ -21,9 +21,6 @@ using Corvane::CommandIO::CommandOutputBase;
 // Whether a failed answer hands each of its error codes to LogErrors.
 enum class ErrorCodes : bool { NotReported = false, Reported = true };
 
-// Text of a foreign exception, one that carries no description of its own.
-inline constexpr const char* ForeignExceptionText = "unknown exception";
-
 // Texts cross the interface wide and travel in the records as UTF-8 (code page 65001). Where a
 // method hands a text over with the host text class's own narrow form instead, it says so by
 // calling the Narrow variant; here the two agree, as the host's narrow form is UTF-8.

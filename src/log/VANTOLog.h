@@ -37,6 +37,9 @@ inline constexpr const wchar_t* NotAValidSessionText = L"Corvane session is not 
 inline constexpr const wchar_t* ExecuteExceptionPrefix =
     L"Corvane session is not a valid session - exception from Execute call : ";
 
+// Text of a foreign exception, one that is no std::exception and carries no description.
+inline constexpr const char* ForeignExceptionText = "unknown exception";
+
 // Writes `prefix` followed by the exception's text (nothing when it is null) at severity 0. The
 // text is appended, not formatted in, so the whole line is the format.
 void LogExceptionText(const wchar_t* prefix, const char* what);

@@ -21,6 +21,7 @@ using boost::property_tree::ptree;
 constexpr std::size_t UserBufferSize = 260;
 
 MockStore* g_store = nullptr;
+bool g_storeAllocationFails = false;
 wchar_t g_user[UserBufferSize] = {};
 UserNameSource g_userSource = &platform::os::LogonUserName;
 
@@ -273,7 +274,7 @@ void ReadInputFile(MockStore& store) noexcept {
 
 MockStore* Store() noexcept {
     if (g_store == nullptr) {
-        g_store = new (std::nothrow) MockStore();
+        g_store = g_storeAllocationFails ? nullptr : new (std::nothrow) MockStore();
         if (g_store != nullptr) {
             ReadInputFile(*g_store);
         }
@@ -344,7 +345,12 @@ FileLockStatus CheckOutResult(const MockFileMap& files, const GUserText& fileNam
 
 void ResetMockStateForTesting() {
     delete std::exchange(g_store, nullptr);
+    g_storeAllocationFails = false;
     g_user[0] = L'\0';
+}
+
+void FailStoreAllocationForTesting(bool fail) {
+    g_storeAllocationFails = fail;
 }
 
 UserNameSource SetUserNameSourceForTesting(UserNameSource source) {

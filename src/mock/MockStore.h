@@ -80,6 +80,9 @@ FileLockStatus CheckOutResult(const MockFileMap& files, const GUserText& fileNam
 // returns the previous source.
 using UserNameSource = std::wstring (*)();
 void ResetMockStateForTesting();
+// For tests; not exported from the module. While set, a store that is not there yet cannot be
+// allocated, as when memory has run out (ResetMockStateForTesting clears it).
+void FailStoreAllocationForTesting(bool fail);
 UserNameSource SetUserNameSourceForTesting(UserNameSource source);
 
 } // namespace vanto::mock

@@ -38,6 +38,12 @@ void LogException(const VANTOManager& /*manager*/, const wchar_t* prefix, const 
     vanto::LogExceptionText(prefix, e.what());
 }
 
+// An exception that is no std::exception must not reach the host either: it is logged like one,
+// with a fixed text in place of its description.
+void LogForeignException(const VANTOManager& /*manager*/, const wchar_t* prefix) {
+    vanto::LogExceptionText(prefix, vanto::ForeignExceptionText);
+}
+
 GUserText Wide(const Core::TevString& text) {
     return GUserText(std::string_view(text));
 }
@@ -92,6 +98,9 @@ bool CheckConnectionStatus(const VANTOManager& manager) {
     } catch (const std::exception& e) {
         LogException(manager, ExecuteExceptionPrefix, e);
         return false;
+    } catch (...) {
+        LogForeignException(manager, ExecuteExceptionPrefix);
+        return false;
     }
 }
 
@@ -143,6 +152,9 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsConnected(bool force) {
         } catch (const std::exception& e) {
             LogException(owner_, ExecuteExceptionPrefix, e);
             return false;
+        } catch (...) {
+            LogForeignException(owner_, ExecuteExceptionPrefix);
+            return false;
         }
     }
     return CheckConnectionStatus(owner_);
@@ -171,6 +183,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetRootFolders(RootFolderS
         }
     } catch (const std::exception& e) {
         LogException(owner_, ExecuteExceptionPrefix, e);
+    } catch (...) {
+        LogForeignException(owner_, ExecuteExceptionPrefix);
     }
     return S_OK;
 }
@@ -191,6 +205,8 @@ VANTOManager::VANTOSession::GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) {
         }
     } catch (const std::exception& e) {
         LogException(owner_, ExecuteExceptionPrefix, e);
+    } catch (...) {
+        LogForeignException(owner_, ExecuteExceptionPrefix);
     }
     return S_OK;
 }
@@ -231,6 +247,9 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::StartCorvaneAndWaitForReadySt
             application.LaunchApplication(Core::TevString());
         } catch (const std::exception& e) {
             LogException(owner_, L"Corvane failed to start with exception: ", e);
+            return false;
+        } catch (...) {
+            LogForeignException(owner_, L"Corvane failed to start with exception: ");
             return false;
         }
     }
@@ -273,6 +292,9 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::StartCorvaneAndWaitForReadySt
     } catch (const std::exception& e) {
         LogException(owner_, ExecuteExceptionPrefix, e);
         return false;
+    } catch (...) {
+        LogForeignException(owner_, ExecuteExceptionPrefix);
+        return false;
     }
     return CheckConnectionStatus(owner_);
 }
@@ -295,6 +317,8 @@ void STDMETHODCALLTYPE VANTOManager::VANTOSession::DeRegisterFromCorvane() {
         LogInfo(owner_, L"Deregistered from Corvane");
     } catch (const std::exception& e) {
         LogException(owner_, L"Failure to deregister from Corvane - exception from call : ", e);
+    } catch (...) {
+        LogForeignException(owner_, L"Failure to deregister from Corvane - exception from call : ");
     }
 }
 
@@ -332,6 +356,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetSessionInfo(SessionInfo
                    received.cloudGatewayLogPath);
     } catch (const std::exception& e) {
         LogException(owner_, ExecuteExceptionPrefix, e);
+    } catch (...) {
+        LogForeignException(owner_, ExecuteExceptionPrefix);
     }
     return S_OK;
 }

@@ -48,6 +48,37 @@ const char* const Sample = R"(<?xml version="1.0"?>
   </Files>
 </xml>)";
 
+// Without memory for the store, the methods that need it answer 0x8007000E and touch nothing;
+// the store is made (and the file read) by the first call after memory is back.
+TEST_F(MockTest, NoStoreMeansOutOfMemoryUntilOneCanBeMade) {
+    WriteInput(Sample);
+    drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
+    constexpr HRESULT OutOfMemory = static_cast<HRESULT>(0x8007000E);
+    vanto::mock::FailStoreAllocationForTesting(true);
+    RootFolderSet roots{GUserText(L"C:\\Existing")};
+    FileCheckInList items{{GUserText(L"Z:\\PDM\\VANTO\\Root\\bracket.par"), 0, GUserText()}};
+    FileLockStatusMap locks{{GUserText(L"Z:\\PDM\\VANTO\\Root\\bracket.par"), {}}};
+    FileStatusInformation status;
+    status.checkedOutBy = L"before";
+    PathMonitoredMap monitored;
+    const GUserText inside(L"Z:\\PDM\\VANTO\\Root\\bracket.par");
+    EXPECT_EQ(OutOfMemory, session->GetRootFolders(&roots));
+    EXPECT_EQ(OutOfMemory, files->CheckIn(&items));
+    EXPECT_EQ(OutOfMemory, files->CheckOut(&locks));
+    EXPECT_EQ(OutOfMemory, files->GetStatusInformation(inside, &status));
+    EXPECT_FALSE(files->IsValidCorvaneFile(inside));
+    EXPECT_EQ(S_OK, files->IsValidCorvaneFile(PathList{inside}, &monitored));
+    EXPECT_EQ((PathMonitoredMap{{inside, false}}), monitored);
+    EXPECT_EQ((RootFolderSet{GUserText(L"C:\\Existing")}), roots);
+    EXPECT_EQ(GUserText(L"before"), status.checkedOutBy);
+    EXPECT_EQ(nullptr, vanto::mock::Store());
+
+    vanto::mock::FailStoreAllocationForTesting(false);
+    EXPECT_TRUE(files->IsValidCorvaneFile(inside));
+    EXPECT_EQ(S_OK, files->GetStatusInformation(inside, &status));
+    EXPECT_EQ(GUserText(L"alice"), status.checkedOutBy);
+}
+
 TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecordsAndTheRootFolderIsMade) {
     WriteInput(Sample);
     drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");

@@ -47,8 +47,7 @@ enum Code : std::int32_t {
     AlreadySynchronised = 102,
 };
 
-// Levels of access.
-constexpr std::int64_t ReadAccess = 1;
+// The level of access that allows changes (1 is read only).
 constexpr std::int64_t WriteAccess = 2;
 
 constexpr const char* Version = "Corvane connector emulator 1.0";
@@ -191,9 +190,11 @@ bool Matches(const json::value& value, const Schema& schema) {
         return false;
     }
     for (const auto& [key, member] : value.get_object()) {
-        const auto* field = std::find_if(
-            schema.fields, schema.fields + schema.count,
-            [&](const vanto::protocol::Field& f) { return f.key == std::string_view(key); });
+        // A lambda may not capture a structured binding before C++20 (clang refuses it).
+        const std::string_view name = key;
+        const auto* field =
+            std::find_if(schema.fields, schema.fields + schema.count,
+                         [&](const vanto::protocol::Field& f) { return f.key == name; });
         const bool known = field != schema.fields + schema.count;
         if (known ? !MatchesField(*field, member) : !NoLongText(member)) {
             return false;
