@@ -30,8 +30,9 @@ add_library(vanto_static STATIC $<TARGET_OBJECTS:vanto_objects>
                                 $<TARGET_OBJECTS:vanto_platform_objects>)
 target_link_libraries(vanto_static PUBLIC vanto_objects)
 
-# The component as the host loads it: exports DllGetClassObject and DllCanUnloadNow only.
-add_library(VANTO SHARED $<TARGET_OBJECTS:vanto_objects> $<TARGET_OBJECTS:vanto_platform_objects>)
+# The component as the host loads it (a module: loaded, never linked): exports DllGetClassObject and
+# DllCanUnloadNow only.
+add_library(VANTO MODULE $<TARGET_OBJECTS:vanto_objects> $<TARGET_OBJECTS:vanto_platform_objects>)
 target_link_libraries(VANTO PRIVATE vanto_boost)
 set_target_properties(VANTO PROPERTIES PREFIX "" OUTPUT_NAME "VANTO")
 if(WIN32)

@@ -57,12 +57,12 @@ void CallFrame::SetSessionId(Core::CommandIO::CommandInputBase& input) {
     input.SessionId = vanto::Session().sessionId;
 }
 
-Core::TevString CallFrame::Exchange(const Core::TevString& request, const wchar_t* logName) const {
+Core::TevString CallFrame::Exchange(const Core::TevString& request,
+                                    const RequestLog* requestLog) const {
     Core::TevString answer = self_.Manager().RequireProxy().Execute(request);
-    if (logName != nullptr) {
-        const std::wstring name(logName);
-        Info((name + L" Input: %s").c_str(), FromUtf8(request));
-        Info((name + L" Output: %s").c_str(), FromUtf8(answer));
+    if (requestLog != nullptr) {
+        Info(requestLog->input, FromUtf8(request));
+        Info(requestLog->output, FromUtf8(answer));
     }
     return answer;
 }

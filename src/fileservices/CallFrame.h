@@ -61,6 +61,12 @@ private:
     T& target_;
 };
 
+// The formats a method logs its request and the answer with ("%s" takes the JSON text).
+struct RequestLog {
+    const wchar_t* input;
+    const wchar_t* output;
+};
+
 class CallFrame {
 public:
     // Opens the method's scope record; `methodTag` null opens none.
@@ -95,10 +101,10 @@ public:
     template <class Input> typename Input::Output Execute(Input& input) const {
         return typename Input::Output(Send(input, nullptr));
     }
-    // The same, writing "<logName> Input: %s" and "<logName> Output: %s" with the two texts.
+    // The same, writing the request and the answer with these two formats, in that order.
     template <class Input>
-    typename Input::Output Execute(Input& input, const wchar_t* logName) const {
-        return typename Input::Output(Send(input, logName));
+    typename Input::Output Execute(Input& input, const RequestLog& requestLog) const {
+        return typename Input::Output(Send(input, &requestLog));
     }
 
     // True when the answer carries errors; then writes `failureMessage` (when given) at severity 0
@@ -121,7 +127,7 @@ public:
     IVANTOSession& SessionService() const noexcept { return self_.Manager().Session(); }
 
 private:
-    template <class Input> Core::TevString Send(Input& input, const wchar_t* logName) const {
+    template <class Input> Core::TevString Send(Input& input, const RequestLog* requestLog) const {
         // The input is written through its own writer: one that forgot to declare it would
         // otherwise inherit the envelope's and send nothing but "Command", "SessionId", "Version".
         static_assert(std::is_same_v<decltype(&Input::ToJson), Core::TevString (Input::*)() const>,
@@ -131,10 +137,10 @@ private:
         static_assert(std::is_base_of_v<CommandOutputBase, typename Input::Output>,
                       "a command input names the output its answer is read into");
         SetSessionId(input);
-        return Exchange(input.ToJson(), logName);
+        return Exchange(input.ToJson(), requestLog);
     }
     static void SetSessionId(Core::CommandIO::CommandInputBase& input);
-    Core::TevString Exchange(const Core::TevString& request, const wchar_t* logName) const;
+    Core::TevString Exchange(const Core::TevString& request, const RequestLog* requestLog) const;
 
     VANTOManager::VANTOFileServices& self_;
     std::optional<LogEntry> scope_;

@@ -130,9 +130,10 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::CheckOut(FileLockStat
         // Any lock, the user's own included, keeps a file out of the request.
         for (const auto& [fileName, status] : *map) {
             if (status.isCheckedOut) {
-                frame.Info(L"File Name : %s, is not proceeded for lock call since it is checked "
-                           L"out to other user : %s",
+                // clang-format off
+                frame.Info(L"File Name : %s, is not proceeded for lock call since it is checked out to other user : %s",
                            fileName, status.checkedOutBy);
+                // clang-format on
                 continue;
             }
             frame.Info(L"File Name : %s", fileName);
@@ -141,7 +142,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::CheckOut(FileLockStat
         if (input.DesignIdentifiers.empty()) {
             return S_OK;
         }
-        const auto output = frame.Execute(input, L"LockDesignRevisions");
+        const auto output = frame.Execute(
+            input, {L"LockDesignRevisions Input: %s", L"LockDesignRevisions Output: %s"});
         MarkLocks(output, *map, user);
         // Written whenever an answer came, before any error it reports.
         frame.Info(L"File Checkout successful.");
@@ -166,7 +168,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::CheckIn(FileCheckInLi
             input.DesignIdentifiers.push_back(FileIdentifier(entry.fileName));
         }
         // Sent even when the list is empty.
-        const auto output = frame.Execute(input, L"UnLockDesignRevisions");
+        const auto output = frame.Execute(
+            input, {L"UnLockDesignRevisions Input: %s", L"UnLockDesignRevisions Output: %s"});
         if (frame.Failed(output, L"Error while check-in.", ErrorCodes::NotReported)) {
             return E_FAIL;
         }

@@ -12,6 +12,7 @@ struct CodeMessage {
 };
 
 // 15 has no message: the connector's code for it is passed over in silence.
+// clang-format off
 constexpr CodeMessage Messages[] = {
     {1, L"Service is failed. - ReturnCodes_FAIL"},
     {2, L"Service is not available - ReturnCodes_FUNCTIONALITY_UNAVAILABLE"},
@@ -27,20 +28,17 @@ constexpr CodeMessage Messages[] = {
     {12, L"User does not have access permissions - ReturnCodes_ACCESS_DENIED"},
     {13, L"Object is locked - ReturnCodes_OBJECT_LOCKED"},
     {14, L"Design revision is not found in cloud - ReturnCodes_DESIGN_REVISION_NOT_FOUND_IN_CLOUD"},
-    {16, L"Container has not been selected for synchronization by the user - "
-         L"ReturnCodes_CONTAINER_UNSYNCHRONIZED"},
+    {16, L"Container has not been selected for synchronization by the user - ReturnCodes_CONTAINER_UNSYNCHRONIZED"},
     {17, L"No collaboration space found for the user - ReturnCodes_COLLABORATIONSPACE_UNAVAILABLE"},
     {18, L"File Type is not supported - ReturnCodes_UNSUPPORTED_FILE_TYPE"},
-    {19, L"A file with the same name already exists at the location - "
-         L"ReturnCodes_DUPLICATE_FILENAME_FOUND"},
-    {20, L"A file with the same name as an attachment already exists at the location - "
-         L"ReturnCodes_DUPLICATE_FILEATTACHMENT_NAME_FOUND"},
+    {19, L"A file with the same name already exists at the location - ReturnCodes_DUPLICATE_FILENAME_FOUND"},
+    {20, L"A file with the same name as an attachment already exists at the location - ReturnCodes_DUPLICATE_FILEATTACHMENT_NAME_FOUND"},
     {21, L"The reference already exists in the container - ReturnCodes_REFERENCE_EXISTS"},
     {100, L"Status is not valid for the given file - ReturnCodes_STATUS_NOT_VALID"},
-    {101, L"Preceding Status constraint not satisfied - "
-          L"ReturnCodes_PRECEDING_STATUS_CONSTRAINT_NOT_SATISFIED"},
+    {101, L"Preceding Status constraint not satisfied - ReturnCodes_PRECEDING_STATUS_CONSTRAINT_NOT_SATISFIED"},
     {102, L"Container is already synchronized - ReturnCodes_CONTAINER_ALREADY_SYNCHRONIZED"},
 };
+// clang-format on
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "Component.h"
 
+#include <filesystem>
+
 namespace vanto_host {
 
 namespace {
@@ -22,7 +24,9 @@ template <class Interface> void Release(Interface*& object) {
 std::string DefaultModulePath(const std::string& program) {
     const std::size_t slash = program.find_last_of("/\\");
     const std::string folder = slash == std::string::npos ? "." : program.substr(0, slash);
-    return folder + "/" + VANTO_MODULE_FILE;
+    const std::string beside = folder + "/" + VANTO_MODULE_FILE;
+    std::error_code error;
+    return std::filesystem::exists(beside, error) ? beside : folder + "/" + VANTO_INSTALLED_MODULE;
 }
 
 Component::Component(const std::string& modulePath, bool mock)

@@ -42,7 +42,7 @@ private:
     std::string error_;
 };
 
-// The module beside the program: <folder of argv[0]>/<module file name>.
+// The module beside the program (the build tree), else where the install puts it.
 std::string DefaultModulePath(const std::string& program);
 
 } // namespace vanto_host

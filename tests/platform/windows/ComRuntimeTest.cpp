@@ -4,6 +4,7 @@
 
 #include "VANTO.h"
 #include "support/ComTestSupport.h"
+#include "support/WindowsModule.h"
 
 #include <sddl.h>
 
@@ -13,17 +14,8 @@
 
 namespace {
 
-// The module's file name; it lies next to the test program.
-constexpr const wchar_t* ModuleFile = L"" VANTO_MODULE_PATH;
-
-std::wstring ModuleNextToProgram() {
-    std::wstring path(MAX_PATH, L'\0');
-    const DWORD length =
-        ::GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    path.resize(length);
-    path.erase(path.find_last_of(L"\\/") + 1);
-    return path + ModuleFile;
-}
+using testsupport::ModuleFile;
+using testsupport::ModuleNextToProgram;
 
 std::wstring ClassKey() {
     wchar_t clsid[39] = {};
