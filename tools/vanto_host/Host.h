@@ -68,6 +68,9 @@ PathList WideList(const std::vector<std::string>& texts);
 inline boost::json::value Json(const GUserText& text) {
     return boost::json::value(text.Narrow());
 }
+inline boost::json::value Json(const std::string& text) {
+    return boost::json::value(boost::json::string_view(text));
+}
 
 // ---- subcommands -------------------------------------------------------------------------------
 

@@ -30,6 +30,33 @@ void AddLoadCommand(CLI::App& app, vanto_host::Runner& chosen) {
                            vanto_host::Needs::Nothing, chosen, [](vanto_host::Host&) { return 0; });
 }
 
+// The subcommands given so far, as typed: " children add".
+std::string CommandPath(const CLI::App& app) {
+    std::string path;
+    for (const CLI::App* command = &app;;) {
+        const auto given = command->get_subcommands();
+        if (given.empty()) {
+            return path;
+        }
+        command = given.front();
+        path += " " + command->get_name();
+    }
+}
+
+// CLI11 reports a word that names no subcommand as a missing subcommand; say what it was.
+std::string UsageProblem(const CLI::App& app, const CLI::ParseError& error) {
+    const CLI::App* command = &app;
+    while (!command->get_subcommands().empty()) {
+        command = command->get_subcommands().front();
+    }
+    const std::vector<std::string> left = command->remaining();
+    if (command->get_require_subcommand_min() > 0 && command->get_subcommands().empty() &&
+        !left.empty()) {
+        return "unknown subcommand '" + left.front() + "'";
+    }
+    return error.what();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -59,6 +86,8 @@ int main(int argc, char** argv) {
     Runner chosen;
     AddLoadCommand(app, chosen);
     AddSessionCommands(app, chosen);
+    AddFileCommands(app, chosen);
+    AddStructureCommands(app, chosen);
 
     try {
         std::vector<std::string> reversed(
@@ -66,8 +95,12 @@ int main(int argc, char** argv) {
         std::reverse(reversed.begin(), reversed.end());
         app.parse(reversed);
     } catch (const CLI::ParseError& error) {
-        const int status = app.exit(error);
-        return status == 0 ? 0 : 2;
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            return app.exit(error);
+        }
+        std::fprintf(stderr, "vanto_host: %s\nRun 'vanto_host%s --help' for more information.\n",
+                     UsageProblem(app, error).c_str(), CommandPath(app).c_str());
+        return 2;
     }
 
     if (options.log) {
