@@ -17,7 +17,9 @@ target_include_directories(vanto_platform_objects PUBLIC ${PROJECT_SOURCE_DIR}/i
                                                          ${PROJECT_SOURCE_DIR}/platform)
 target_link_libraries(vanto_platform_objects PUBLIC vanto_boost)
 if(WIN32)
-  target_link_libraries(vanto_platform_objects PUBLIC ole32 oleaut32 uuid advapi32)
+  # Asio: Windows 10 headers, Winsock.
+  target_compile_definitions(vanto_platform_objects PUBLIC _WIN32_WINNT=0x0A00)
+  target_link_libraries(vanto_platform_objects PUBLIC ole32 oleaut32 uuid advapi32 ws2_32 mswsock)
 endif()
 add_library(vanto_platform STATIC $<TARGET_OBJECTS:vanto_platform_objects>)
 target_link_libraries(vanto_platform PUBLIC vanto_platform_objects)
@@ -37,7 +39,7 @@ target_link_libraries(VANTO PRIVATE vanto_boost)
 set_target_properties(VANTO PROPERTIES PREFIX "" OUTPUT_NAME "VANTO")
 if(WIN32)
   target_sources(VANTO PRIVATE ${PROJECT_SOURCE_DIR}/src/entry/VANTO.def)
-  target_link_libraries(VANTO PRIVATE ole32 oleaut32 uuid advapi32)
+  target_link_libraries(VANTO PRIVATE ole32 oleaut32 uuid advapi32 ws2_32 mswsock)
 else()
   target_link_options(VANTO PRIVATE
                       -Wl,--version-script=${PROJECT_SOURCE_DIR}/src/entry/VANTO.map

@@ -1,6 +1,5 @@
-// What stands behind the client library. The default backend is a machine without the connector:
-// not installed, not running, never ready, and every proxy call throws
-// CorvaneCommunicationException. Tests install a FakeConnector.
+// What stands behind the client library. The default backend is the connector emulator reached
+// over its local transport (EmulatorConnector.h); tests install a FakeConnector.
 #pragma once
 
 #include "core/TevString.h"

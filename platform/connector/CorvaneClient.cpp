@@ -1,6 +1,7 @@
 #include "connector/CorvaneClient.h"
 
 #include "connector/ConnectorBackend.h"
+#include "connector/EmulatorConnector.h"
 
 #include <memory>
 #include <vector>
@@ -8,22 +9,6 @@
 namespace Corvane {
 
 namespace {
-
-class NoConnector : public ConnectorBackend {
-public:
-    Core::TevString Execute(const Core::TevString&) override { throw NotInstalled(); }
-    Core::TevString RegisterClient(const Core::TevString&) override { throw NotInstalled(); }
-    void DeRegisterClient(const Core::TevString&) override { throw NotInstalled(); }
-    bool IsInstalled() override { return false; }
-    bool IsRunning() override { return false; }
-    bool IsReady() override { return false; }
-    void LaunchApplication(const Core::TevString&) override { throw NotInstalled(); }
-
-private:
-    static CorvaneCommunicationException NotInstalled() {
-        return CorvaneCommunicationException("Corvane connector is not installed");
-    }
-};
 
 ConnectorBackend*& InstalledBackend() {
     static ConnectorBackend* backend = nullptr;
@@ -53,9 +38,10 @@ ConnectorBackend* SetConnectorBackend(ConnectorBackend* backend) {
 }
 
 ConnectorBackend& CurrentConnectorBackend() {
-    static NoConnector noConnector;
+    // Made on first use, so that a process that never talks to the connector reads no setting.
+    static EmulatorConnector emulator;
     ConnectorBackend* backend = InstalledBackend();
-    return backend != nullptr ? *backend : noConnector;
+    return backend != nullptr ? *backend : emulator;
 }
 
 ICorvaneProxy* CorvaneProxyFactory::CreateCorvaneProxy() {

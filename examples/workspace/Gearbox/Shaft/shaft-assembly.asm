@@ -1,0 +1,1 @@
+Example CAD file for the connector emulator: shaft-assembly.asm

@@ -1,0 +1,36 @@
+// Finding and starting other programs: the environment, the user's data folder, the folder of the
+// component's own module, and detached launches.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace platform::os {
+
+// The environment variable's value; empty when it is not set.
+std::wstring EnvironmentValue(const std::wstring& name);
+// Sets the variable for this process and the programs it starts; empty text removes it.
+bool SetEnvironmentValue(const std::wstring& name, const std::wstring& value);
+
+// Where per-user application data lives: $XDG_DATA_HOME, else ~/.local/share (POSIX);
+// %LOCALAPPDATA% (Windows). Empty when unknown.
+std::wstring UserDataDirectory();
+
+// Folder of the module (shared library or executable) that holds this code; empty when unknown.
+std::wstring ModuleDirectory();
+
+// Whether a regular file exists at `path` that this user may run.
+bool IsExecutableFile(const std::wstring& path);
+
+// Starts `program` with `arguments`, detached from this process (its own session, no console,
+// standard streams on the null device), and does not wait for it. Returns its process id, 0 when
+// it could not be started.
+unsigned long LaunchDetached(const std::wstring& program,
+                             const std::vector<std::wstring>& arguments);
+
+// Ends the process at once (SIGKILL, TerminateProcess) and reaps it; false when it could not.
+bool KillProcess(unsigned long pid);
+// Waits up to `timeoutMs` for a process started by LaunchDetached to end (and reaps it).
+bool WaitForExit(unsigned long pid, int timeoutMs);
+
+} // namespace platform::os

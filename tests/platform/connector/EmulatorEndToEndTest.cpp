@@ -1,0 +1,299 @@
+// The component's real path: its interfaces, the default backend, the transport and a running
+// emulator seeded from the example workspace (Ada Byrne signed in; Ben Okafor holds housing.psm).
+#include "connector/CorvaneClient.h"
+#include "os/Process.h"
+#include "os/TextConversion.h"
+#include "session/SessionState.h"
+#include "support/ComTestSupport.h"
+#include "support/EmulatorProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+using testsupport::EmulatorProcess;
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+class EmulatorSession : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!EmulatorProcess::Available()) {
+            GTEST_SKIP() << "this build has no emulator program to start";
+        }
+        vanto::ResetSessionStateForTesting();
+        emulator = std::make_unique<EmulatorProcess>();
+        manager = std::make_unique<testsupport::ManagerHandle>();
+        session = manager->Session();
+        files = manager->FileServices();
+    }
+    void TearDown() override {
+        if (session != nullptr) {
+            session->DeRegisterFromCorvane();
+        }
+        manager.reset();
+        emulator.reset();
+        vanto::ResetSessionStateForTesting();
+    }
+
+    GUserText Doc(const char* relative) const { return emulator->Document(relative); }
+    void Connect() const { ASSERT_TRUE(session->IsConnected(true)); }
+
+    std::unique_ptr<EmulatorProcess> emulator;
+    std::unique_ptr<testsupport::ManagerHandle> manager;
+    IVANTOSession* session = nullptr;
+    IVANTOFileServices* files = nullptr;
+};
+
+TEST_F(EmulatorSession, TheDefaultBackendConnectsRegistersAndReadsTheSession) {
+    EXPECT_TRUE(session->IsCorvaneInstalled());
+    EXPECT_TRUE(session->IsCorvaneRunning());
+    EXPECT_TRUE(session->IsConnected(true));
+    EXPECT_FALSE(session->IsCorvaneInOffLineMode());
+
+    SessionInfo info;
+    EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
+    EXPECT_EQ(GUserText(L"Ada Byrne"), info.authenticatedUserName);
+    EXPECT_EQ(GUserText(L"ada.byrne@example.com"), info.userEmail);
+    RootFolderSet roots;
+    EXPECT_EQ(S_OK, session->GetRootFolders(&roots));
+    EXPECT_EQ(RootFolderSet{GUserText(emulator->WorkspaceFolder().c_str())}, roots);
+    EXPECT_TRUE(Contains(emulator->Control(R"({"Action":"status"})"), R"("Sessions":1)"));
+
+    // Offline, then signed out: the status check fails and the session says which.
+    emulator->Control(R"({"Action":"offline"})");
+    EXPECT_FALSE(session->IsConnected(true));
+    EXPECT_TRUE(session->IsCorvaneInOffLineMode());
+    emulator->Control(R"({"Action":"online"})");
+    EXPECT_TRUE(session->IsConnected(true));
+    emulator->Control(R"({"Action":"signout"})");
+    EXPECT_FALSE(session->IsConnected(true));
+    EXPECT_FALSE(session->IsCorvaneInOffLineMode());
+    emulator->Control(R"({"Action":"signin"})");
+
+    session->DeRegisterFromCorvane();
+    EXPECT_TRUE(Contains(emulator->Control(R"({"Action":"status"})"), R"("Sessions":0)"));
+}
+
+TEST_F(EmulatorSession, CheckOutAndCheckInFollowTheLocksOfTheCloud) {
+    Connect();
+    const GUserText shaft = Doc("Gearbox/Shaft/shaft.par");
+    const GUserText housing = Doc("Gearbox/housing.psm");
+    FileLockStatusMap out{{shaft, {}}, {housing, {}}};
+    EXPECT_EQ(S_OK, files->CheckOut(&out));
+    EXPECT_TRUE(out[shaft].isCheckedOut);
+    EXPECT_TRUE(out[shaft].isCheckedOutByCurrentUser);
+    EXPECT_TRUE(out[housing].isCheckedOut);
+    EXPECT_FALSE(out[housing].isCheckedOutByCurrentUser);
+    EXPECT_EQ(GUserText(L"Ben Okafor"), out[housing].checkedOutBy);
+    const std::string locks = emulator->Control(R"({"Action":"locks"})");
+    EXPECT_TRUE(Contains(locks, "shaft.par")) << locks;
+
+    // Check-in: the holder releases; anyone else is refused, and the lock stays.
+    FileCheckInList mine{{shaft, 0, {}}};
+    EXPECT_EQ(S_OK, files->CheckIn(&mine));
+    EXPECT_EQ(0, mine[0].errorCode);
+    FileCheckInList bens{{housing, 0, {}}};
+    EXPECT_EQ(E_FAIL, files->CheckIn(&bens));
+    EXPECT_FALSE(Contains(emulator->Control(R"({"Action":"locks"})"), "shaft.par"));
+    FileLockStatusMap now{{shaft, {}}, {housing, {}}};
+    EXPECT_EQ(S_OK, files->GetCheckOutStatus(&now, false));
+    EXPECT_FALSE(now[shaft].isCheckedOut);
+    EXPECT_TRUE(now[housing].isCheckedOut);
+    EXPECT_EQ(GUserText(L"Ben Okafor"), now[housing].checkedOutBy);
+
+    // Another user saves a new version in the cloud: this desktop is told.
+    FileStatusInformation status;
+    EXPECT_EQ(S_OK, files->GetStatusInformation(shaft, &status));
+    EXPECT_EQ(0, status.isNewVersionAvailable);
+    emulator->Control(R"({"Action":"save","User":"Ben Okafor","Path":")" + shaft.Narrow() + "\"}");
+    EXPECT_TRUE(files->IsNewVersionAvailable(shaft));
+    EXPECT_EQ(S_OK, files->GetStatusInformation(shaft, &status));
+    EXPECT_EQ(1, status.isNewVersionAvailable);
+}
+
+TEST_F(EmulatorSession, PropertiesStampsContextAndPermissions) {
+    Connect();
+    const GUserText bearing = Doc("Gearbox/Shaft/bearing.par");
+    const GUserText cover = Doc("Gearbox/cover.par");
+    const GUserText stranger = Doc("Gearbox/not-a-document.par");
+
+    EXPECT_TRUE(files->IsValidCorvaneFile(bearing));
+    PathMonitoredMap monitored;
+    EXPECT_EQ(S_OK, files->IsValidCorvaneFile(PathList{bearing}, &monitored));
+    EXPECT_TRUE(monitored[bearing]);
+
+    FilePropertyList properties;
+    EXPECT_EQ(S_OK, files->GetProperties(PathList{bearing}, PropertyNameSet{}, &properties));
+    ASSERT_EQ(1u, properties.size());
+    std::vector<GUserText> materials;
+    for (const ObjectTypeProperties& type : properties[0].objectTypes) {
+        for (const PropertyEntry& property : type.properties) {
+            if (property.name == GUserText(L"Material")) {
+                materials = property.values;
+            }
+        }
+    }
+    EXPECT_EQ(std::vector<GUserText>{GUserText(L"100Cr6")}, materials);
+    FilePropertyList none;
+    EXPECT_NE(S_OK, files->GetProperties(PathList{stranger}, PropertyNameSet{}, &none));
+
+    DocumentStampMap stamps{{bearing, {}}};
+    EXPECT_EQ(S_OK, files->GetDocumentConsistencyStamp(&stamps));
+    EXPECT_FALSE(stamps[bearing].consistencyStamp.IsEmpty());
+    EXPECT_FALSE(stamps[bearing].documentId.IsEmpty());
+    FileUidPathMap paths{{stamps[bearing].documentId, {}}};
+    EXPECT_EQ(S_OK, files->GetFilePath(&paths));
+    EXPECT_EQ(bearing, paths[stamps[bearing].documentId]);
+
+    FileContextList contexts;
+    EXPECT_EQ(S_OK, files->GetContextInformation(PathList{bearing}, &contexts));
+    ASSERT_EQ(1u, contexts.size());
+    EXPECT_EQ(stamps[bearing].documentId, contexts[0].context.documentId);
+    EXPECT_FALSE(contexts[0].context.componentRevisionUrn.IsEmpty());
+
+    AccessPermissionMap permissions;
+    EXPECT_EQ(S_OK, files->GetFileAccessPermissions(PathList{bearing, cover}, &permissions));
+    EXPECT_EQ(2, permissions[bearing]); // write
+    EXPECT_EQ(1, permissions[cover]);   // read only, as the example says
+}
+
+TEST_F(EmulatorSession, StructureAndWhereUsed) {
+    Connect();
+    const GUserText assembly = Doc("Gearbox/gearbox.asm");
+    const GUserText shaftAssembly = Doc("Gearbox/Shaft/shaft-assembly.asm");
+    const GUserText shaft = Doc("Gearbox/Shaft/shaft.par");
+    const GUserText cover = Doc("Gearbox/cover.par");
+
+    RelationMap children;
+    EXPECT_EQ(S_OK, files->GetChildren(assembly, &children));
+    EXPECT_EQ(3u, children.size());
+    EXPECT_EQ(1u, children.count(shaftAssembly));
+    EXPECT_EQ(1u, children.count(cover));
+
+    RelationMap parents;
+    EXPECT_EQ(S_OK, files->GetCorvaneWUResults(PathList{shaft}, &parents, false));
+    EXPECT_EQ(1u, parents.count(shaftAssembly));
+    RelationMap drawings;
+    EXPECT_EQ(S_OK, files->GetCorvaneWUResults(PathList{assembly}, &drawings, true));
+    ASSERT_EQ(1u, drawings.size());
+    EXPECT_EQ(Doc("Gearbox/Drawings/gearbox.pwd"), drawings.begin()->first);
+
+    // The shaft moves from the subassembly to the top.
+    EXPECT_EQ(S_OK, files->RemoveChildren(shaftAssembly, PathList{shaft}));
+    EXPECT_EQ(S_OK, files->AddChildren(assembly, PathList{shaft}));
+    RelationMap after;
+    EXPECT_EQ(S_OK, files->GetCorvaneWUResults(PathList{shaft}, &after, false));
+    EXPECT_EQ(1u, after.size());
+    EXPECT_EQ(1u, after.count(assembly));
+}
+
+TEST_F(EmulatorSession, NumberingRevisionsAndContainers) {
+    Connect();
+    std::int32_t count = 3;
+    ItemIdRevisionList ids;
+    EXPECT_EQ(S_OK, files->GenerateItemIDAndRevision(Doc("Gearbox"), L"par", count, &ids));
+    ItemIdRevisionList more;
+    EXPECT_EQ(S_OK, files->GenerateItemIDAndRevision(Doc("Gearbox"), L"par", count, &more));
+    ASSERT_EQ(3u, ids.size());
+    ASSERT_EQ(3u, more.size());
+    std::set<GUserText> numbers;
+    for (const auto& id : ids) {
+        numbers.insert(id.first);
+    }
+    for (const auto& id : more) {
+        numbers.insert(id.first);
+    }
+    EXPECT_EQ(6u, numbers.size()); // never repeated
+
+    GUserText first;
+    GUserText second;
+    EXPECT_EQ(S_OK, files->GenerateNextRevisionID(Doc("Gearbox/gearbox.asm"), &first));
+    EXPECT_EQ(S_OK, files->GenerateNextRevisionID(Doc("Gearbox/gearbox.asm"), &second));
+    EXPECT_FALSE(first.IsEmpty());
+    EXPECT_NE(first, second);
+    PathList revisions;
+    EXPECT_EQ(S_OK, files->GetDesignRevisions(L"Gearbox", &revisions));
+    EXPECT_EQ(PathList{GUserText(L"Gearbox")}, revisions);
+
+    // The synchronised projects only; the pump project joins them once it is added.
+    ContainerList containers;
+    std::int32_t status = -1;
+    EXPECT_EQ(S_OK, files->GetAvailableContainers(&containers, &status));
+    ASSERT_EQ(1u, containers.size());
+    EXPECT_EQ(GUserText(L"Gearbox"), containers[0].containerName);
+    EXPECT_EQ(GUserText(L"CS-DRIVES"), containers[0].collaborationSpaceId);
+    EXPECT_TRUE(files->IsFileSynchronized(Doc("Gearbox/gearbox.asm")));
+
+    // Adding one already synchronised is refused (code 102, in the log).
+    EXPECT_EQ(E_FAIL, files->AddProjectToSync(containers[0].containerUrn, &status));
+    EXPECT_EQ(S_OK, files->AddProjectToSync(L"urn:corvane:project:PRJ-PUMP", &status));
+    containers.clear();
+    EXPECT_EQ(S_OK, files->GetAvailableContainers(&containers, &status));
+    EXPECT_EQ(2u, containers.size());
+}
+
+// A second host process on another desktop (its own emulator, signed in as Ben Okafor) sharing
+// the cloud: it runs vanto_second_host, which signs in through the component and checks out or in.
+class EmulatorHosts : public EmulatorSession {
+protected:
+    std::string SecondHost(const char* action, const GUserText& path) {
+        ben->MakeCurrent();
+        const std::wstring result = ben->DataFolder() + L"/second-host.txt";
+        std::filesystem::remove(std::filesystem::path(result));
+#ifdef _WIN32
+        const std::wstring program = platform::os::ModuleDirectory() + L"\\vanto_second_host.exe";
+#else
+        const std::wstring program = platform::os::ModuleDirectory() + L"/vanto_second_host";
+#endif
+        const unsigned long pid = platform::os::LaunchDetached(
+            program, {platform::os::Utf8ToWide(action), path.wstr(), result});
+        emulator->MakeCurrent();
+        EXPECT_NE(0u, pid) << platform::os::WideToUtf8(program);
+        EXPECT_TRUE(platform::os::WaitForExit(pid, 60000));
+        std::ifstream file{std::filesystem::path(result)};
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+    void SetUp() override {
+        EmulatorSession::SetUp();
+        if (emulator) {
+            EmulatorProcess::Options options;
+            options.user = L"Ben Okafor";
+            options.cloudOf = emulator.get();
+            options.current = false;
+            ben = std::make_unique<EmulatorProcess>(options);
+        }
+    }
+    void TearDown() override {
+        EmulatorSession::TearDown();
+        ben.reset();
+    }
+    std::unique_ptr<EmulatorProcess> ben;
+};
+
+TEST_F(EmulatorHosts, TheSecondUsersCheckOutNamesTheHolderUntilTheFirstChecksIn) {
+    Connect();
+    const GUserText shaft = Doc("Gearbox/Shaft/shaft.par");
+    FileLockStatusMap mine{{shaft, {}}};
+    EXPECT_EQ(S_OK, files->CheckOut(&mine));
+    ASSERT_TRUE(mine[shaft].isCheckedOutByCurrentUser);
+
+    EXPECT_EQ("checked out by Ada Byrne\n", SecondHost("checkout", shaft));
+
+    FileCheckInList in{{shaft, 0, {}}};
+    files->CheckIn(&in);
+    ASSERT_EQ(0, in[0].errorCode);
+    EXPECT_EQ("checked out by me\n", SecondHost("checkout", shaft));
+    FileLockStatusMap now{{shaft, {}}};
+    EXPECT_EQ(S_OK, files->GetCheckOutStatus(&now, false));
+    EXPECT_EQ(GUserText(L"Ben Okafor"), now[shaft].checkedOutBy);
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+// The transport to a running emulator: who is refused, what it answers to hostile bodies, and
+// the client's time-out; every case ends with the emulator still serving.
+#include "connector/ConnectorLink.h"
+#include "connector/CorvaneClient.h"
+#include "protocol/Envelope.h"
+#include "support/EmulatorProcess.h"
+
+#include <boost/asio/connect.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/write.hpp>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using testsupport::EmulatorProcess;
+
+class EmulatorTransport : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!EmulatorProcess::Available()) {
+            GTEST_SKIP() << "this build has no emulator program to start";
+        }
+    }
+};
+
+TEST_F(EmulatorTransport, AClientWithoutTheSecretGetsNothingAndOthersAreStillServed) {
+    EmulatorProcess emulator;
+    Corvane::Endpoint wrong = emulator.Endpoint();
+    wrong.secret[0] = wrong.secret[0] == 'a' ? 'b' : 'a';
+    Corvane::ConnectorLink link(std::chrono::seconds(5));
+    try {
+        link.Call(wrong, "ready", "");
+        ADD_FAILURE() << "answered without the secret";
+    } catch (const Corvane::CorvaneCommunicationException& error) {
+        EXPECT_NE(std::string::npos, std::string(error.what()).find("handshake refused"))
+            << error.what();
+    }
+
+    // Garbage: a frame header claiming 4 GB, then noise; and a client that says nothing at all.
+    namespace asio = boost::asio;
+    asio::io_context io;
+    asio::ip::tcp::socket garbage(io);
+    asio::ip::tcp::socket silent(io);
+    const asio::ip::tcp::endpoint address(asio::ip::address_v4::loopback(),
+                                          emulator.Endpoint().port);
+    garbage.connect(address);
+    silent.connect(address);
+    const unsigned char noise[] = {0xFF, 0xFF, 0xFF, 0xFF, 'n', 'o', 'i', 's', 'e'};
+    asio::write(garbage, asio::buffer(noise));
+    char byte = 0;
+    boost::system::error_code error;
+    garbage.read_some(asio::buffer(&byte, 1), error);
+    // Closed on it: end of file, or a reset when the noise was still unread.
+    EXPECT_TRUE(error == asio::error::eof || error == asio::error::connection_reset) << error;
+
+    EXPECT_EQ(R"({"Ready":true})", link.Call(emulator.Endpoint(), "ready", ""));
+}
+
+TEST_F(EmulatorTransport, HostileBodiesAreAnsweredAndTheNextClientIsServed) {
+    EmulatorProcess emulator;
+    Corvane::ConnectorLink link(std::chrono::seconds(20));
+    const auto endpoint = emulator.Endpoint();
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
+    for (const std::string& body :
+         {std::string(R"({"Command":"LOCKDESIGNREVISIONS","DesignIdentifiers":)") + deep + "}",
+          std::string(R"({"Command":"GETPROPERTIES","SessionId":")") +
+              std::string(50u * 1024u * 1024u, 's') + "\"}",
+          std::string("{\"Command\":\"GETCHILDREN\",\"Identifier\":\"\xFF\xFE\"}"),
+          std::string(R"({"Command":"GETNEXTID","NumberOfIds":"ten")")}) {
+        const Corvane::CommandIO::CommandOutputBase answer(link.Call(endpoint, "execute", body));
+        ASSERT_EQ(1u, answer.Errors.size());
+        EXPECT_EQ(7, answer.Errors[0]->ErrorCode);
+    }
+    Corvane::ConnectorLink next(std::chrono::seconds(5));
+    EXPECT_EQ(R"({"Ready":true})", next.Call(endpoint, "ready", ""));
+}
+
+TEST_F(EmulatorTransport, ACallPastItsTimeOutSaysSoAndTheNextCallWorks) {
+    EmulatorProcess emulator;
+    emulator.Control(
+        R"({"Action":"fault","Command":"GETCONNECTIONSTATUS","LatencyMs":1500,"Times":1})");
+    Corvane::ConnectorLink link(std::chrono::milliseconds(300));
+    const std::string status = R"({"Command":"GETCONNECTIONSTATUS","SessionId":"x"})";
+    try {
+        link.Call(emulator.Endpoint(), "execute", status);
+        ADD_FAILURE() << "no time-out";
+    } catch (const Corvane::CorvaneCommunicationException& error) {
+        EXPECT_NE(std::string::npos, std::string(error.what()).find("time-out")) << error.what();
+    }
+    const Corvane::CommandIO::CommandOutputBase answer(
+        link.Call(emulator.Endpoint(), "execute", status));
+    ASSERT_EQ(1u, answer.Errors.size());
+    EXPECT_EQ(3, answer.Errors[0]->ErrorCode); // unknown session, answered at once
+}
+
+} // namespace

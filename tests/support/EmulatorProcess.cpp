@@ -1,0 +1,243 @@
+#include "support/EmulatorProcess.h"
+
+#include "os/Process.h"
+#include "os/TextConversion.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace testsupport {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+#ifdef VANTO_EMULATOR_PROGRAM
+constexpr const char* ProgramPath = VANTO_EMULATOR_PROGRAM;
+#else
+constexpr const char* ProgramPath = "";
+#endif
+
+std::wstring ScratchFolder() {
+    static int count = 0;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    const fs::path folder = fs::temp_directory_path() / ("vanto-emulator-" + std::to_string(now) +
+                                                         "-" + std::to_string(++count));
+    fs::create_directories(folder);
+    return folder.wstring();
+}
+
+#ifdef _WIN32
+// Wine's own functions between Windows and Unix file names; absent on Windows itself.
+template <class Function> Function WineFunction(const char* name) {
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+std::wstring UnixName(const std::wstring& windowsPath) {
+    using ToUnix = char*(CDECL*)(LPCWSTR);
+    const auto toUnix = WineFunction<ToUnix>("wine_get_unix_file_name");
+    char* name = toUnix != nullptr ? toUnix(windowsPath.c_str()) : nullptr;
+    const std::wstring result = name != nullptr ? platform::os::Utf8ToWide(name) : std::wstring();
+    ::HeapFree(::GetProcessHeap(), 0, name);
+    return result;
+}
+
+std::wstring DosName(const std::string& unixPath) {
+    using ToDos = WCHAR*(CDECL*)(LPCSTR);
+    const auto toDos = WineFunction<ToDos>("wine_get_dos_file_name");
+    WCHAR* name = toDos != nullptr ? toDos(unixPath.c_str()) : nullptr;
+    const std::wstring result = name != nullptr ? name : L"";
+    ::HeapFree(::GetProcessHeap(), 0, name);
+    return result;
+}
+
+// Wine starts a Unix program (fork and exec) but gives it no Windows process: no id to wait on.
+bool LaunchUnixProgram(const std::wstring& program, const std::vector<std::wstring>& arguments) {
+    std::wstring commandLine = L"\"" + program + L"\"";
+    for (const std::wstring& argument : arguments) {
+        commandLine += L" \"" + argument + L"\"";
+    }
+    SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    // Its standard streams on the null device, so that it holds no pipe of ctest's open.
+    HANDLE nul =
+        ::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, 0, &inherit, OPEN_EXISTING, 0, nullptr);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = startup.hStdOutput = startup.hStdError = nul;
+    PROCESS_INFORMATION process{};
+    const bool started =
+        ::CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
+                         DETACHED_PROCESS, nullptr, nullptr, &startup, &process) != 0;
+    ::CloseHandle(nul);
+    if (process.hThread != nullptr) {
+        ::CloseHandle(process.hThread);
+    }
+    if (process.hProcess != nullptr) {
+        ::CloseHandle(process.hProcess);
+    }
+    return started;
+}
+#endif
+
+std::wstring Program() {
+#ifdef _WIN32
+    return *ProgramPath == '\0' ? std::wstring() : DosName(ProgramPath);
+#else
+    return platform::os::Utf8ToWide(ProgramPath);
+#endif
+}
+
+// The name the emulator (a Linux program) knows a file by.
+std::wstring ForEmulator(const std::wstring& path) {
+#ifdef _WIN32
+    return UnixName(path);
+#else
+    return path;
+#endif
+}
+
+std::wstring ExampleWorkspace() {
+#ifdef _WIN32
+    return DosName(VANTO_EXAMPLES_DIR "/workspace");
+#else
+    return platform::os::Utf8ToWide(VANTO_EXAMPLES_DIR "/workspace");
+#endif
+}
+
+} // namespace
+
+bool EmulatorProcess::Available() {
+    return !Program().empty();
+}
+
+EmulatorProcess::EmulatorProcess() : EmulatorProcess(Options()) {}
+
+EmulatorProcess::EmulatorProcess(Options options)
+    : options_(std::move(options)), scratch_(ScratchFolder()),
+      data_((fs::path(scratch_) / "data").wstring()) {
+    fs::create_directories(fs::path(data_));
+    if (options_.workspace.empty() && options_.cloudOf != nullptr) {
+        workspace_ = options_.cloudOf->workspace_; // the same files, seen from another desktop
+    } else if (options_.workspace.empty()) {
+        // A copy: the tests change documents, and the example stays as it is.
+        const fs::path copy = fs::path(scratch_) / "workspace";
+        fs::copy(fs::path(ExampleWorkspace()), copy, fs::copy_options::recursive);
+        workspace_ = copy.wstring();
+    } else {
+        workspace_ = options_.workspace;
+    }
+    previousProgram_ = platform::os::EnvironmentValue(L"VANTO_CORVANE_EMULATOR");
+    previousData_ = platform::os::EnvironmentValue(L"VANTO_CORVANE_DATA");
+    if (options_.current) {
+        MakeCurrent();
+    }
+    Start();
+}
+
+EmulatorProcess::~EmulatorProcess() {
+    Stop();
+    std::error_code ignored;
+    fs::remove_all(fs::path(scratch_), ignored);
+    platform::os::SetEnvironmentValue(L"VANTO_CORVANE_EMULATOR", previousProgram_);
+    platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", previousData_);
+}
+
+void EmulatorProcess::MakeCurrent() const {
+    platform::os::SetEnvironmentValue(L"VANTO_CORVANE_EMULATOR", Program());
+    platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", data_);
+}
+
+std::string EmulatorProcess::WorkspaceFolder() const {
+    return platform::os::WideToUtf8(workspace_);
+}
+
+std::wstring EmulatorProcess::Document(const std::string& relative) const {
+    return (fs::path(workspace_) / fs::path(relative).make_preferred()).wstring();
+}
+
+void EmulatorProcess::Start() {
+    const fs::path endpoint = fs::path(data_) / "endpoint.json";
+    std::error_code ignored;
+    fs::remove(endpoint, ignored);
+    std::vector<std::wstring> arguments{L"serve", L"--data", ForEmulator(data_), L"--workspace",
+                                        ForEmulator(workspace_)};
+#ifdef _WIN32
+    arguments.insert(arguments.end(), {L"--client-root", workspace_});
+#endif
+    if (!options_.user.empty()) {
+        arguments.insert(arguments.end(), {L"--user", options_.user});
+    }
+    if (options_.cloudOf != nullptr) {
+        arguments.insert(arguments.end(),
+                         {L"--cloud", ForEmulator(options_.cloudOf->data_) + L"/corvane.db"});
+    }
+    arguments.insert(arguments.end(), options_.arguments.begin(), options_.arguments.end());
+#ifdef _WIN32
+    ASSERT_TRUE(LaunchUnixProgram(Program(), arguments));
+#else
+    pid_ = platform::os::LaunchDetached(Program(), arguments);
+    ASSERT_NE(0u, pid_);
+#endif
+    running_ = true;
+    for (int waited = 0; !fs::exists(endpoint); waited += 20) {
+        ASSERT_LT(waited, 20000) << "the emulator did not start";
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+}
+
+void EmulatorProcess::Kill() {
+#ifdef _WIN32
+    FAIL() << "under Wine the emulator can only be stopped";
+#else
+    if (pid_ != 0) {
+        EXPECT_TRUE(platform::os::KillProcess(pid_));
+        pid_ = 0;
+        running_ = false;
+    }
+#endif
+}
+
+void EmulatorProcess::Stop() {
+    if (!running_) {
+        return;
+    }
+    running_ = false;
+    try {
+        Control(R"({"Action":"stop"})");
+    } catch (...) {
+        // Gone already.
+    }
+#ifdef _WIN32
+    // It removes its endpoint file last.
+    const fs::path endpoint = fs::path(data_) / "endpoint.json";
+    for (int waited = 0; fs::exists(endpoint) && waited < 10000; waited += 20) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+#else
+    if (!platform::os::WaitForExit(pid_, 10000)) {
+        platform::os::KillProcess(pid_);
+    }
+    pid_ = 0;
+#endif
+}
+
+Corvane::Endpoint EmulatorProcess::Endpoint() const {
+    const auto endpoint = Corvane::ReadEndpointFile((fs::path(data_) / "endpoint.json").wstring());
+    return endpoint ? *endpoint : Corvane::Endpoint{};
+}
+
+std::string EmulatorProcess::Control(const std::string& request) const {
+    Corvane::ConnectorLink link(std::chrono::seconds(10));
+    return link.Call(Endpoint(), "control", request);
+}
+
+} // namespace testsupport

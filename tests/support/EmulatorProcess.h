@@ -1,0 +1,67 @@
+// A connector emulator for one test: started on a scratch folder (its data and a copy of the
+// example workspace), on a port of its own, and made the one the component's default backend
+// reaches; stopped and removed at the end. Elsewhere in the test program the default backend finds
+// no emulator (see NoEmulator.cpp).
+//
+// The Windows tests run under Wine and start the Linux emulator (a native build beside theirs):
+// both ends see the same files, the emulator by their Unix names, and the same loopback.
+#pragma once
+
+#include "connector/ConnectorLink.h"
+
+#include <string>
+#include <vector>
+
+namespace testsupport {
+
+class EmulatorProcess {
+public:
+    struct Options {
+        std::vector<std::wstring> arguments; // more options of `serve`
+        std::wstring workspace;              // empty: a copy of the example workspace
+        std::wstring user;                   // empty: the emulator's default user
+        // Another desktop on the same cloud: this one's database is that one's.
+        const EmulatorProcess* cloudOf = nullptr;
+        // Whether the component's default backend is pointed at this emulator.
+        bool current = true;
+    };
+
+    // False where this build has no emulator program to start.
+    static bool Available();
+
+    EmulatorProcess();
+    explicit EmulatorProcess(Options options);
+    ~EmulatorProcess();
+    EmulatorProcess(const EmulatorProcess&) = delete;
+    EmulatorProcess& operator=(const EmulatorProcess&) = delete;
+
+    // Starts (again) on the same data folder; waits until the endpoint file is there.
+    void Start();
+    // Ends it at once, as a crash would (not under Wine, where the emulator is no Windows process).
+    void Kill();
+    // Asks it to stop and waits for it.
+    void Stop();
+    // Points the component's default backend at this emulator (for the programs started after).
+    void MakeCurrent() const;
+
+    const std::wstring& DataFolder() const { return data_; }
+    // The workspace folder as the component names it.
+    std::string WorkspaceFolder() const;
+    // A document of the workspace, by its path relative to it ("Gearbox/cover.par").
+    std::wstring Document(const std::string& relative) const;
+    Corvane::Endpoint Endpoint() const;
+    // One control action ({"Action": ...}) answered as text.
+    std::string Control(const std::string& request) const;
+
+private:
+    Options options_;
+    std::wstring scratch_;
+    std::wstring data_;
+    std::wstring workspace_;
+    unsigned long pid_ = 0;
+    bool running_ = false;
+    std::wstring previousProgram_;
+    std::wstring previousData_;
+};
+
+} // namespace testsupport

@@ -1,0 +1,228 @@
+// corvane_emulator: the connector emulator and its control commands.
+//
+//   corvane_emulator serve --workspace examples/workspace      serve, data in the user's folder
+//   corvane_emulator status | documents | locks | ...          ask the running emulator
+//
+// `corvane_emulator --help` lists everything.
+#include "Handler.h"
+#include "Server.h"
+
+#include "connector/ConnectorLink.h"
+#include "connector/CorvaneClient.h"
+#include "os/TextConversion.h"
+
+#include <CLI/CLI.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <boost/json.hpp>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace json = boost::json;
+using namespace corvane::emulator;
+
+std::string DefaultDataFolder() {
+    if (const char* data = std::getenv("VANTO_CORVANE_DATA"); data != nullptr && *data != '\0') {
+        return data;
+    }
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data == '/') {
+        return std::string(data) + "/vanto/corvane-emulator";
+    }
+    const char* home = std::getenv("HOME");
+    return std::string(home != nullptr ? home : ".") + "/.local/share/vanto/corvane-emulator";
+}
+
+struct ServeOptions {
+    std::string data;
+    std::string endpointFile;
+    std::string cloud;
+    bool memory = false;
+    std::uint16_t port = 0;
+    std::string user;
+    Workspace workspace;
+};
+
+// The workspace given on the command line is remembered in the database, so that a later start
+// (and a reset) without one uses the same.
+void RememberWorkspace(Store& store, Workspace& workspace) {
+    Database& db = store.Db();
+    const std::pair<const char*, std::string*> keys[] = {
+        {"workspace.folder", &workspace.folder},
+        {"workspace.import", &workspace.importFile},
+        {"workspace.root", &workspace.clientRoot}};
+    Transaction transaction(db);
+    const bool given = !workspace.folder.empty() || !workspace.importFile.empty();
+    for (const auto& [key, value] : keys) {
+        if (given) {
+            db.Run("INSERT OR REPLACE INTO meta(key, value) VALUES (?, ?)", key, *value);
+        } else {
+            *value = db.QueryText("SELECT value FROM meta WHERE key = ?", key).value_or("");
+        }
+    }
+    transaction.Commit();
+}
+
+int Serve(ServeOptions options) {
+    fs::create_directories(options.data);
+    fs::permissions(options.data, fs::perms::owner_all, fs::perm_options::replace);
+    if (options.endpointFile.empty()) {
+        options.endpointFile = options.data + "/endpoint.json";
+    }
+    Workspace& workspace = options.workspace;
+    if (!workspace.folder.empty()) {
+        workspace.folder = fs::absolute(workspace.folder).lexically_normal().string();
+        while (workspace.folder.size() > 1 && workspace.folder.back() == '/') {
+            workspace.folder.pop_back();
+        }
+        const std::string guess = workspace.folder + "/corvane-import.json";
+        if (workspace.importFile.empty() && fs::exists(guess)) {
+            workspace.importFile = guess;
+        }
+    }
+    if (!workspace.importFile.empty()) {
+        workspace.importFile = fs::absolute(workspace.importFile).string();
+    }
+
+    // Two desktops (two emulators, each with its user and data folder) may share one cloud.
+    Store store(options.memory          ? ":memory:"
+                : options.cloud.empty() ? options.data + "/corvane.db"
+                                        : fs::absolute(options.cloud).string());
+    RememberWorkspace(store, workspace);
+    HandlerOptions handlerOptions;
+    if (!options.user.empty()) {
+        handlerOptions.user = options.user;
+    }
+    handlerOptions.workspace = workspace;
+    handlerOptions.dataFolder = options.data;
+    Handler handler(store, handlerOptions);
+
+    boost::asio::io_context io(1);
+    Server server(io, handler, options.port);
+    boost::asio::signal_set signals(io, SIGINT, SIGTERM);
+    signals.async_wait([&](boost::system::error_code, int) { io.stop(); });
+    server.WriteEndpointFile(options.endpointFile);
+    std::printf("corvane_emulator: serving %s on 127.0.0.1:%u as \"%s\"; data in %s\n",
+                workspace.folder.empty() ? "(no workspace)" : workspace.folder.c_str(),
+                static_cast<unsigned>(server.Port()), handlerOptions.user.c_str(),
+                options.data.c_str());
+    std::fflush(stdout);
+    io.run();
+    std::remove(options.endpointFile.c_str());
+    return 0;
+}
+
+int Control(const std::string& endpointFile, const json::object& request) {
+    const auto endpoint = Corvane::ReadEndpointFile(platform::os::Utf8ToWide(endpointFile));
+    if (!endpoint) {
+        std::fprintf(stderr, "corvane_emulator: no emulator is running (no endpoint in %s)\n",
+                     endpointFile.c_str());
+        return 2;
+    }
+    try {
+        Corvane::ConnectorLink link(std::chrono::seconds(30));
+        const std::string answer = link.Call(*endpoint, "control", json::serialize(request));
+        std::printf("%s\n", answer.c_str());
+        boost::system::error_code error;
+        const json::value value = json::parse(answer, error);
+        const bool ok = !error && value.is_object() && value.get_object().contains("Ok") &&
+                        value.get_object().at("Ok") == true;
+        return ok ? 0 : 1;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "corvane_emulator: %s\n", error.what());
+        return 2;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app{"Corvane connector emulator: serves the connector's protocol on this machine, "
+                 "with its state in SQLite"};
+    app.require_subcommand(1);
+
+    ServeOptions serve;
+    serve.data = DefaultDataFolder();
+    CLI::App* serveCommand = app.add_subcommand("serve", "Serve until stopped (SIGINT, SIGTERM)");
+    serveCommand->add_option("--data", serve.data, "Data folder (database and endpoint file)")
+        ->capture_default_str();
+    serveCommand->add_option("--workspace", serve.workspace.folder,
+                             "Folder whose CAD files become documents at the first start");
+    serveCommand->add_option("--import", serve.workspace.importFile,
+                             "Import file (default: corvane-import.json in the workspace)");
+    serveCommand->add_option("--client-root", serve.workspace.clientRoot,
+                             "The workspace folder as clients name it (e.g. a Wine path)");
+    serveCommand->add_option("--user", serve.user, "User signed in at this desktop");
+    serveCommand->add_flag("--memory", serve.memory, "Keep the database in memory");
+    serveCommand->add_option(
+        "--cloud", serve.cloud,
+        "Database file, shared with other desktops (default: DATA/corvane.db)");
+    serveCommand->add_option("--port", serve.port, "Port (default: chosen by the system)");
+    serveCommand->add_option("--endpoint-file", serve.endpointFile,
+                             "Where to write port and secret (default: DATA/endpoint.json)");
+
+    std::string data = DefaultDataFolder();
+    std::string endpointFile;
+    json::object request;
+    const auto control = [&](const char* name, const char* help) {
+        CLI::App* command = app.add_subcommand(name, help);
+        command->add_option("--data", data, "Data folder of the running emulator");
+        command->add_option("--endpoint-file", endpointFile, "Endpoint file of the emulator");
+        command->callback([&request, name] { request["Action"] = name; });
+        return command;
+    };
+    control("status", "User, online state, counts of documents, locks and sessions");
+    control("documents", "Every document with its version and lock");
+    control("locks", "Locked documents");
+    std::string user;
+    std::string path;
+    for (const char* action : {"lock", "unlock", "save"}) {
+        CLI::App* command = control(action, "Act as another user on one document ("
+                                            "save: a new version in the cloud)");
+        command->add_option("--user", user, "The other user")->required();
+        command->add_option("path", path, "The document's path as clients name it")->required();
+        command->callback([&, action] {
+            request["Action"] = action;
+            request["User"] = user;
+            request["Path"] = path;
+        });
+    }
+    control("offline", "Lose the cloud: GETCONNECTIONSTATUS answers code 6");
+    control("online", "Get the cloud back");
+    control("signout", "Sign the user out: every command answers code 3");
+    control("signin", "Sign the user in again");
+    std::string command;
+    std::int64_t latency = 0;
+    std::int64_t failCode = 0;
+    std::int64_t times = 0;
+    CLI::App* fault = control("fault", "Delay or fail one command");
+    fault->add_option("command", command, "The command, e.g. LOCKDESIGNREVISIONS")->required();
+    fault->add_option("--latency", latency, "Milliseconds before the answer");
+    fault->add_option("--fail", failCode, "Answer with this error code instead");
+    fault->add_option("--times", times, "Only this many times (0: until cleared)");
+    fault->callback([&] {
+        request = {{"Action", "fault"},
+                   {"Command", command},
+                   {"LatencyMs", latency},
+                   {"FailCode", failCode},
+                   {"Times", times}};
+    });
+    control("clear-faults", "Remove every delay and failure");
+    control("reset", "Empty the database and import the workspace again");
+    control("stop", "Stop serving");
+
+    CLI11_PARSE(app, argc, argv);
+    try {
+        if (serveCommand->parsed()) {
+            return Serve(serve);
+        }
+        return Control(endpointFile.empty() ? data + "/endpoint.json" : endpointFile, request);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "corvane_emulator: %s\n", error.what());
+        return 1;
+    }
+}
