@@ -22,7 +22,9 @@ bool PrepareTerminal(StandardStream stream);
 // byte 0xFF in its place, which is no UTF-8 either, so that checks of the text refuse it.
 std::vector<std::string> Utf8Arguments(int argc, char** argv);
 
-// Sets an environment value for this process, where getenv (also a loaded module's) sees it.
-bool SetEnvironmentValue(const char* name, const std::string& value);
+// Sets an environment value for this process where the C runtime's getenv (also a loaded
+// module's) sees it, and the programs it starts. Process.h's setter goes to the system's copy
+// only, which a Windows runtime does not read again after its start.
+bool SetRuntimeEnvironmentValue(const char* name, const std::string& value);
 
 } // namespace platform::os

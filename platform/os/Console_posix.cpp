@@ -25,7 +25,7 @@ std::vector<std::string> Utf8Arguments(int argc, char** argv) {
     return std::vector<std::string>(argv, argv + argc);
 }
 
-bool SetEnvironmentValue(const char* name, const std::string& value) {
+bool SetRuntimeEnvironmentValue(const char* name, const std::string& value) {
     return ::setenv(name, value.c_str(), 1) == 0;
 }
 

@@ -58,7 +58,7 @@ std::vector<std::string> Utf8Arguments(int argc, char** argv) {
     return arguments;
 }
 
-bool SetEnvironmentValue(const char* name, const std::string& value) {
+bool SetRuntimeEnvironmentValue(const char* name, const std::string& value) {
     return ::_putenv_s(name, value.c_str()) == 0;
 }
 

@@ -105,10 +105,11 @@ int main(int argc, char** argv) {
 
     if (options.log) {
         const bool colour = platform::os::PrepareTerminal(platform::os::StandardStream::Error);
-        platform::os::SetEnvironmentValue("VANTO_HOST_LOG", colour ? "stderr:colour" : "stderr");
+        platform::os::SetRuntimeEnvironmentValue("VANTO_HOST_LOG",
+                                                 colour ? "stderr:colour" : "stderr");
     }
     if (!options.data.empty()) {
-        platform::os::SetEnvironmentValue("VANTO_CORVANE_DATA", options.data);
+        platform::os::SetRuntimeEnvironmentValue("VANTO_CORVANE_DATA", options.data);
     }
     platform::os::PrepareTerminal(platform::os::StandardStream::Output);
     if (options.module.empty()) {
