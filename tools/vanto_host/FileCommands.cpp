@@ -22,8 +22,17 @@ struct Arguments {
 
 Report::Layout Blocks = Report::Layout::Blocks;
 
+// What a check-out came to for one file, in words: a file held by someone else is refused.
+std::string Outcome(const FileLockStatus& lock) {
+    if (!lock.isCheckedOut) {
+        return "not checked out";
+    }
+    return lock.isCheckedOutByCurrentUser ? "checked out"
+                                          : "refused: held by " + lock.checkedOutBy.Narrow();
+}
+
 Report LockReport(const char* operation, HRESULT hr, const FileLockStatusMap& files,
-                  bool withNewVersion) {
+                  bool withNewVersion, bool withOutcome = false) {
     Report report(operation);
     report.Result(hr);
     std::vector<Column> columns{{"path", "path"},
@@ -33,6 +42,9 @@ Report LockReport(const char* operation, HRESULT hr, const FileLockStatusMap& fi
     if (withNewVersion) {
         columns.push_back({"newVersionAvailable", "newer version"});
     }
+    if (withOutcome) {
+        columns.push_back({"outcome", "outcome"});
+    }
     report.Columns(columns);
     for (const auto& [path, lock] : files) {
         boost::json::object row{{"path", Json(path)},
@@ -41,6 +53,9 @@ Report LockReport(const char* operation, HRESULT hr, const FileLockStatusMap& fi
                                 {"checkedOutBy", Json(lock.checkedOutBy)}};
         if (withNewVersion) {
             row["newVersionAvailable"] = lock.isNewVersionAvailable;
+        }
+        if (withOutcome) {
+            row["outcome"] = Outcome(lock);
         }
         report.Row(std::move(row));
     }
@@ -61,7 +76,7 @@ void AddLockCommands(CLI::App& app, Runner& chosen, const std::shared_ptr<Argume
                          [a](Host& host) {
                              FileLockStatusMap files = LockMap(a->paths);
                              const HRESULT hr = host.Files().CheckOut(&files);
-                             return host.Print(LockReport("CheckOut", hr, files, false));
+                             return host.Print(LockReport("CheckOut", hr, files, false, true));
                          }),
              a->paths);
 
