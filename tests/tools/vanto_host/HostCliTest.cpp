@@ -195,8 +195,9 @@ TEST_F(HostCli, CheckOutNamesTheHolderOfALockedPartAndCheckInReleasesIt) {
     const std::string housing = Doc("Gearbox/housing.psm");
     const HostRun out = Host({"checkout", shaft, housing});
     EXPECT_EQ(0, out.status) << out.err;
-    EXPECT_TRUE(out.Shows("shaft\\.par +yes +yes +Ada Byrne\n")) << out.out;
-    EXPECT_TRUE(out.Shows("housing\\.psm +yes +no +Ben Okafor\n")) << out.out;
+    EXPECT_TRUE(out.Shows("shaft\\.par +yes +yes +Ada Byrne +checked out\n")) << out.out;
+    EXPECT_TRUE(out.Shows("housing\\.psm +yes +no +Ben Okafor +refused: held by Ben Okafor\n"))
+        << out.out;
 
     // Ada's lock, seen by another user, and by the lock and status queries.
     EXPECT_NE(std::string::npos, AsOtherUser("lock", shaft).find("locked by Ada Byrne"));
@@ -219,6 +220,27 @@ TEST_F(HostCli, CheckOutNamesTheHolderOfALockedPartAndCheckInReleasesIt) {
     EXPECT_EQ(false, after.at("items").at(0).at("checkedOut"));
     // Another user's lock cannot be released by Ada.
     EXPECT_EQ(1, Host({"checkin", housing}).status);
+}
+
+TEST_F(HostCli, ASecondDesktopOnTheSameCloudIsRefusedThePartAndToldItsHolder) {
+    EmulatorProcess::Options options;
+    options.user = L"Ben Okafor";
+    options.cloudOf = emulator.get();
+    options.current = false;
+    EmulatorProcess ben(options);
+    const std::string bens = platform::os::WideToUtf8(ben.DataFolder());
+    const std::string shaft = Doc("Gearbox/Shaft/shaft.par");
+
+    EXPECT_EQ(0, Host({"checkout", shaft}).status);
+    const HostRun refused = Host({"--data", bens, "checkout", shaft});
+    EXPECT_EQ(0, refused.status) << refused.err; // a lock held elsewhere is no failure
+    EXPECT_TRUE(refused.Shows("shaft\\.par +yes +no +Ada Byrne +refused: held by Ada Byrne\n"))
+        << refused.out;
+    const boost::json::object json = Host({"--json", "--data", bens, "checkout", shaft}).Json();
+    EXPECT_EQ("refused: held by Ada Byrne", Text(json.at("items").at(0).at("outcome")));
+    EXPECT_EQ(1, Host({"--data", bens, "checkin", shaft}).status);
+    EXPECT_EQ(0, Host({"checkin", shaft}).status);
+    EXPECT_TRUE(Host({"--data", bens, "checkout", shaft}).Shows("Ben Okafor +checked out\n"));
 }
 
 TEST_F(HostCli, IdentityQuestionsAnswerTrueWithZeroAndFalseWithOne) {
