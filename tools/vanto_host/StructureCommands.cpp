@@ -24,8 +24,8 @@ using Level = std::function<HRESULT(const GUserText& path, RelationMap* related)
 // and not walked again, which also ends a cycle.
 class Walk {
 public:
-    Walk(Level level, std::size_t expected, const char* what)
-        : level_(std::move(level)), progress_(what, expected) {}
+    // How many documents there are is known only at the end: progress counts up.
+    Walk(Level level, const char* what) : level_(std::move(level)), progress_(what, 0) {}
 
     boost::json::object Node(const GUserText& path, const GUserText& relation) {
         boost::json::object node{{"path", Json(path)}};
@@ -99,7 +99,7 @@ std::string Quoted(const GUserText& text) {
 // `upward`: the edges run from a used document to its users; the graph draws users above.
 int PrintGraph(Host& host, const char* operation, const std::vector<std::string>& roots,
                Level level, bool upward, bool dot) {
-    Walk walk(std::move(level), 0, operation);
+    Walk walk(std::move(level), operation);
     boost::json::array trees;
     for (const std::string& root : roots) {
         trees.push_back(walk.Node(Wide(root), GUserText()));
