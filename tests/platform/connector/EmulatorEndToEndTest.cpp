@@ -1,12 +1,14 @@
 // The component's real path: its interfaces, the default backend, the transport and a running
 // emulator seeded from the example workspace (Ada Byrne signed in; Ben Okafor holds housing.psm).
 #include "connector/CorvaneClient.h"
+#include "os/Os.h"
 #include "os/Process.h"
 #include "os/TextConversion.h"
 #include "session/SessionState.h"
 #include "support/ComTestSupport.h"
 #include "support/EmulatorProcess.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -82,6 +84,33 @@ TEST_F(EmulatorSession, TheDefaultBackendConnectsRegistersAndReadsTheSession) {
     EXPECT_TRUE(Contains(emulator->Control(R"({"Action":"status"})"), R"("Sessions":0)"));
 }
 
+TEST_F(EmulatorSession, StartLaunchesTheEmulatorAndWaitsUntilItIsReady) {
+#ifdef _WIN32
+    GTEST_SKIP() << "under Wine the emulator is a Linux program, which takes Unix paths";
+#else
+    emulator->Stop();
+    EXPECT_FALSE(session->IsCorvaneRunning());
+    EXPECT_FALSE(session->IsConnected(true));
+    bool timedOut = true;
+    ASSERT_TRUE(session->StartCorvaneAndWaitForReadyState(20000, &timedOut, nullptr));
+    EXPECT_FALSE(timedOut);
+    EXPECT_TRUE(session->IsCorvaneRunning());
+    EXPECT_TRUE(session->IsConnected(true));
+    // It took the workspace of the earlier start from its database.
+    RootFolderSet roots;
+    EXPECT_EQ(S_OK, session->GetRootFolders(&roots));
+    EXPECT_EQ(RootFolderSet{GUserText(emulator->WorkspaceFolder().c_str())}, roots);
+
+    session->DeRegisterFromCorvane();
+    emulator->Control(R"({"Action":"stop"})");
+    const auto endpoint = std::filesystem::path(emulator->DataFolder()) / "endpoint.json";
+    for (int waited = 0; std::filesystem::exists(endpoint) && waited < 10000; waited += 20) {
+        platform::os::SleepMilliseconds(20);
+    }
+    EXPECT_FALSE(session->IsCorvaneRunning());
+#endif
+}
+
 TEST_F(EmulatorSession, CheckOutAndCheckInFollowTheLocksOfTheCloud) {
     Connect();
     const GUserText shaft = Doc("Gearbox/Shaft/shaft.par");
@@ -113,7 +142,9 @@ TEST_F(EmulatorSession, CheckOutAndCheckInFollowTheLocksOfTheCloud) {
     FileStatusInformation status;
     EXPECT_EQ(S_OK, files->GetStatusInformation(shaft, &status));
     EXPECT_EQ(0, status.isNewVersionAvailable);
-    emulator->Control(R"({"Action":"save","User":"Ben Okafor","Path":")" + shaft.Narrow() + "\"}");
+    const boost::json::object save{
+        {"Action", "save"}, {"User", "Ben Okafor"}, {"Path", shaft.Narrow()}};
+    ASSERT_TRUE(Contains(emulator->Control(boost::json::serialize(save)), R"("Ok":true)"));
     EXPECT_TRUE(files->IsNewVersionAvailable(shaft));
     EXPECT_EQ(S_OK, files->GetStatusInformation(shaft, &status));
     EXPECT_EQ(1, status.isNewVersionAvailable);

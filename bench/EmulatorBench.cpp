@@ -1,0 +1,245 @@
+// The connector emulator reached through the component's default backend:
+//   round trip   "GETCONNECTIONSTATUS" through the client library to the emulator (database in
+//                memory) and back, against a bare Boost.Asio echo of the same request and answer
+//                bytes over the same transport (loopback TCP, the same framing);
+//   throughput   10,000 check-outs of distinct documents, one command each, against a database
+//                file: commands per second, and the last 1,000 against the first 1,000.
+// Prints one line per figure, in the form of the other benchmarks' ratio lines.
+#include "connector/ConnectorLink.h"
+#include "connector/CorvaneClient.h"
+#include "os/Process.h"
+#include "os/TextConversion.h"
+#include "protocol/commands/MCADCommands.h"
+#include "protocol/registration/Registration.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/read.hpp>
+#include <boost/asio/write.hpp>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace asio = boost::asio;
+using asio::ip::tcp;
+using Clock = std::chrono::steady_clock;
+using namespace Corvane::CommandIO::DataManagement::MCAD;
+
+constexpr int RoundTrips = 20000;
+constexpr int CheckOuts = 10000;
+constexpr int Slice = 1000;
+
+double Microseconds(Clock::duration d) {
+    return std::chrono::duration<double, std::micro>(d).count();
+}
+
+void PrintRatio(const char* what, double ratio, const std::string& detail, double target) {
+    std::printf("%s ratio: %.2f (%s; target <= %.1f) %s\n", what, ratio, detail.c_str(), target,
+                ratio <= target ? "ok" : "OVER TARGET");
+}
+
+// An emulator process on a scratch folder, for the length of one measurement.
+class Emulator {
+public:
+    Emulator(const fs::path& folder, const fs::path& workspace, bool memory) : data_(folder) {
+        std::vector<std::wstring> arguments{L"serve", L"--data", data_.wstring(), L"--workspace",
+                                            workspace.wstring()};
+        if (memory) {
+            arguments.emplace_back(L"--memory");
+        }
+        pid_ = platform::os::LaunchDetached(platform::os::Utf8ToWide(VANTO_EMULATOR_PROGRAM),
+                                            arguments);
+        for (int waited = 0; !fs::exists(data_ / "endpoint.json"); waited += 10) {
+            if (pid_ == 0 || waited > 60000) {
+                throw std::runtime_error("the emulator did not start");
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", data_.wstring());
+    }
+    ~Emulator() {
+        try {
+            Corvane::ConnectorLink link(std::chrono::seconds(10));
+            link.Call(*Corvane::ReadEndpointFile((data_ / "endpoint.json").wstring()), "control",
+                      R"({"Action":"stop"})");
+        } catch (...) {
+            platform::os::KillProcess(pid_);
+        }
+        platform::os::WaitForExit(pid_, 10000);
+    }
+
+private:
+    fs::path data_;
+    unsigned long pid_ = 0;
+};
+
+std::string Register(Corvane::ICorvaneProxy& proxy) {
+    Core::Registration::RegisterClientInput input;
+    input.ProcessId = 1;
+    const Core::Registration::RegisterClientOutput output(proxy.RegisterClient(input.ToJson()));
+    if (output.SessionId.empty()) {
+        throw std::runtime_error("no session");
+    }
+    return output.SessionId.str();
+}
+
+// Answers every frame with the same answer bytes, as fast as Asio does it.
+class EchoServer {
+public:
+    explicit EchoServer(std::string answer)
+        : answer_(std::move(answer)), acceptor_(io_, {asio::ip::address_v4::loopback(), 0}),
+          thread_([this] { Serve(); }) {}
+    ~EchoServer() { thread_.join(); }
+    std::uint16_t Port() const { return acceptor_.local_endpoint().port(); }
+
+private:
+    void Serve() {
+        tcp::socket socket = acceptor_.accept();
+        socket.set_option(tcp::no_delay(true));
+        std::array<unsigned char, 4> header{};
+        std::string request;
+        const std::array<unsigned char, 4> answerHeader = Header(answer_.size());
+        boost::system::error_code error;
+        while (asio::read(socket, asio::buffer(header), error) == header.size()) {
+            request.resize((std::size_t{header[0]} << 24) | (std::size_t{header[1]} << 16) |
+                           (std::size_t{header[2]} << 8) | header[3]);
+            asio::read(socket, asio::buffer(request));
+            asio::write(socket, std::array<asio::const_buffer, 2>{asio::buffer(answerHeader),
+                                                                  asio::buffer(answer_)});
+        }
+    }
+
+public:
+    static std::array<unsigned char, 4> Header(std::size_t size) {
+        return {static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
+                static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
+    }
+
+private:
+    std::string answer_;
+    asio::io_context io_;
+    tcp::acceptor acceptor_;
+    std::thread thread_;
+};
+
+double EchoMicroseconds(const std::string& request, const std::string& answer) {
+    EchoServer server(answer);
+    asio::io_context io;
+    tcp::socket socket(io);
+    socket.connect({asio::ip::address_v4::loopback(), server.Port()});
+    socket.set_option(tcp::no_delay(true));
+    const auto header = EchoServer::Header(request.size());
+    std::array<unsigned char, 4> answerHeader{};
+    std::string received;
+    std::vector<double> times;
+    for (int i = 0; i < RoundTrips; ++i) {
+        const auto start = Clock::now();
+        asio::write(socket,
+                    std::array<asio::const_buffer, 2>{asio::buffer(header), asio::buffer(request)});
+        asio::read(socket, asio::buffer(answerHeader));
+        received.resize((std::size_t{answerHeader[0]} << 24) |
+                        (std::size_t{answerHeader[1]} << 16) | (std::size_t{answerHeader[2]} << 8) |
+                        answerHeader[3]);
+        asio::read(socket, asio::buffer(received));
+        times.push_back(Microseconds(Clock::now() - start));
+    }
+    socket.close();
+    std::nth_element(times.begin(), times.begin() + times.size() / 2, times.end());
+    return times[times.size() / 2];
+}
+
+void RoundTrip(const fs::path& scratch) {
+    fs::create_directories(scratch / "empty");
+    const Emulator emulator(scratch / "round-trip", scratch / "empty", true);
+    Corvane::ICorvaneProxy& proxy = *Corvane::CorvaneProxyFactory().CreateCorvaneProxy();
+    const std::string request =
+        R"({"Command":"GETCONNECTIONSTATUS","SessionId":")" + Register(proxy) + R"(","Version":1})";
+    std::string answer;
+    std::vector<double> times;
+    for (int i = 0; i < RoundTrips; ++i) {
+        const auto start = Clock::now();
+        answer = proxy.Execute(request).str();
+        times.push_back(Microseconds(Clock::now() - start));
+    }
+    std::nth_element(times.begin(), times.begin() + times.size() / 2, times.end());
+    const double ours = times[times.size() / 2];
+    // The bytes on the wire: the operation's name and a line feed before the body.
+    const double echo = EchoMicroseconds("execute\n" + request, answer);
+    PrintRatio("emulator round trip", ours / echo,
+               "median of " + std::to_string(RoundTrips) + ": default backend " +
+                   std::to_string(ours).substr(0, 6) + " us / bare Asio echo " +
+                   std::to_string(echo).substr(0, 6) + " us",
+               3.0);
+}
+
+void Throughput(const fs::path& scratch) {
+    const fs::path workspace = scratch / "parts";
+    fs::create_directories(workspace);
+    std::vector<std::string> parts;
+    for (int i = 0; i < CheckOuts; ++i) {
+        parts.push_back((workspace / ("part-" + std::to_string(i) + ".par")).string());
+        std::ofstream(parts.back()) << i;
+    }
+    const Emulator emulator(scratch / "throughput", workspace, false);
+    Corvane::ICorvaneProxy& proxy = *Corvane::CorvaneProxyFactory().CreateCorvaneProxy();
+    const Core::TevString session(Register(proxy));
+    std::vector<double> times;
+    const auto start = Clock::now();
+    for (const std::string& part : parts) {
+        CorvaneLockDesignRevisionsInput input;
+        input.SessionId = session;
+        input.TimeToLive = -1;
+        input.DesignIdentifiers.emplace_back(new Corvane::DataTypes::CorvaneDesignIdentifier());
+        input.DesignIdentifiers.back()->Value = part;
+        const auto begin = Clock::now();
+        const CorvaneLockDesignRevisionsOutput output(proxy.Execute(input.ToJson()));
+        times.push_back(Microseconds(Clock::now() - begin));
+        if (!output.Errors.empty() || output.Status.size() != 1) {
+            throw std::runtime_error("a check-out failed: " + part);
+        }
+    }
+    const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    double first = 0;
+    double last = 0;
+    for (int i = 0; i < Slice; ++i) {
+        first += times[static_cast<std::size_t>(i)];
+        last += times[times.size() - Slice + static_cast<std::size_t>(i)];
+    }
+    std::printf("emulator check-outs: %.0f commands/s (%d check-outs of distinct documents, "
+                "database file, %.2f s)\n",
+                CheckOuts / seconds, CheckOuts, seconds);
+    PrintRatio("emulator check-out growth", last / first,
+               "last 1,000 " + std::to_string(last / 1000).substr(0, 6) + " ms / first 1,000 " +
+                   std::to_string(first / 1000).substr(0, 6) + " ms",
+               1.5);
+}
+
+} // namespace
+
+int main() {
+    const fs::path scratch =
+        fs::temp_directory_path() /
+        ("vanto-emulator-bench-" + std::to_string(Clock::now().time_since_epoch().count()));
+    int status = 0;
+    try {
+        RoundTrip(scratch);
+        Throughput(scratch);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "emulator bench: %s\n", error.what());
+        status = 1;
+    }
+    std::error_code ignored;
+    fs::remove_all(scratch, ignored);
+    return status;
+}
