@@ -4,8 +4,9 @@
 
 #include <climits>
 #include <cstdlib>
-#include <shellapi.h>
 #include <windows.h>
+// After windows.h, whose declarations it uses.
+#include <shellapi.h>
 
 namespace platform::os {
 

@@ -43,10 +43,21 @@ struct HostRun {
     }
 };
 
+// Windows programs end their lines with CR LF; the checks are about what the lines say.
+std::string Lines(std::string text) {
+    std::string lines;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\r' || i + 1 >= text.size() || text[i + 1] != '\n') {
+            lines += text[i];
+        }
+    }
+    return lines;
+}
+
 HostRun Host(const std::vector<std::string>& arguments) {
     const platform::os::ProgramRun run = platform::os::RunProgram(HostProgram(), arguments, 60000);
     EXPECT_TRUE(run.started && run.finished);
-    return HostRun{run.exitCode, run.out, run.err};
+    return HostRun{run.exitCode, Lines(run.out), Lines(run.err)};
 }
 
 std::string Text(const boost::json::value& value) {
