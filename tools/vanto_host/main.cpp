@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -72,8 +73,7 @@ int main(int argc, char** argv) {
     Options options;
     app.add_flag("--mock", options.mock, "use the mock interfaces (answers from the XML input)");
     app.add_option("--module", options.module,
-                   "the component to load (default: beside this "
-                   "program)")
+                   "the component to load (default: beside this program)")
         ->check(PathCheck());
     app.add_flag("--json", options.json, "print one JSON document per call instead of a table");
     app.add_flag("--log", options.log, "show the component's log records on standard error");
@@ -128,5 +128,10 @@ int main(int argc, char** argv) {
     if (options.noConnect) {
         host.SkipRegistration();
     }
-    return chosen(host);
+    try {
+        return chosen(host);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "vanto_host: %s\n", error.what());
+        return 1;
+    }
 }
