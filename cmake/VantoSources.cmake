@@ -7,7 +7,7 @@ file(GLOB_RECURSE VANTO_PLATFORM_SOURCES CONFIGURE_DEPENDS
      ${PROJECT_SOURCE_DIR}/platform/connector/*.cpp)
 # Test seams are not part of the component.
 list(FILTER VANTO_PLATFORM_SOURCES EXCLUDE REGEX "/platform/connector/Fake[^/]*\\.cpp$")
-list(FILTER VANTO_PLATFORM_SOURCES EXCLUDE REGEX "/platform/os/DynamicLibrary[^/]*\\.cpp$")
+list(FILTER VANTO_PLATFORM_SOURCES EXCLUDE REGEX "/platform/os/(DynamicLibrary|Console|ChildProcess)[^/]*\\.cpp$")
 file(GLOB_RECURSE VANTO_COMPONENT_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
 
 # Everything compiled once; the DLL, the static library for tests and the host tools share the
@@ -53,10 +53,17 @@ file(GLOB_RECURSE VANTO_TESTING_SOURCES CONFIGURE_DEPENDS
 add_library(vanto_testing STATIC ${VANTO_TESTING_SOURCES})
 target_link_libraries(vanto_testing PUBLIC vanto_static)
 
-# What a host needs to load the component: the public header and module loading.
+# What a host needs to load the component: the public header, module loading and the console.
 add_library(vanto_hostsupport STATIC ${PROJECT_SOURCE_DIR}/platform/os/DynamicLibrary_posix.cpp
-                                     ${PROJECT_SOURCE_DIR}/platform/os/DynamicLibrary_win32.cpp)
+                                     ${PROJECT_SOURCE_DIR}/platform/os/DynamicLibrary_win32.cpp
+                                     ${PROJECT_SOURCE_DIR}/platform/os/Console_posix.cpp
+                                     ${PROJECT_SOURCE_DIR}/platform/os/Console_win32.cpp
+                                     ${PROJECT_SOURCE_DIR}/platform/os/ChildProcess_posix.cpp
+                                     ${PROJECT_SOURCE_DIR}/platform/os/ChildProcess_win32.cpp)
 target_link_libraries(vanto_hostsupport PUBLIC vanto_platform ${CMAKE_DL_LIBS})
+if(WIN32)
+  target_link_libraries(vanto_hostsupport PUBLIC shell32)
+endif()
 
 add_subdirectory(tools)
 

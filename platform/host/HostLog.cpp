@@ -6,11 +6,17 @@
 
 namespace {
 
+// VANTO_HOST_LOG=stderr writes each record to standard error as it comes, one line: severity,
+// source, text. "stderr:colour" adds ANSI colours to the severity (the host program asks for it
+// when standard error is a terminal that shows them); any other value keeps nothing.
 class DefaultSink : public LogSink {
 public:
     DefaultSink() {
         const char* target = std::getenv("VANTO_HOST_LOG");
-        toStderr_ = target != nullptr && std::strcmp(target, "stderr") == 0;
+        if (target != nullptr) {
+            colour_ = std::strcmp(target, "stderr:colour") == 0;
+            toStderr_ = colour_ || std::strcmp(target, "stderr") == 0;
+        }
     }
 
     void Write(const LogRecord& record) override {
@@ -26,24 +32,32 @@ public:
             kind = "leave ";
             break;
         case LogRecord::Kind::HResultError:
-            std::fprintf(stderr, "[%s] HRESULT 0x%08X in %s (%s:%d)\n", "error",
+            std::fprintf(stderr, "%s HRESULT 0x%08X in %s (%s:%d)\n", Severity(0),
                          static_cast<unsigned>(record.hr), record.function.c_str(),
                          record.file.c_str(), record.line);
             return;
         case LogRecord::Kind::Message:
             break;
         }
-        static const char* const severities[] = {"error", "warning", "info"};
-        const char* severity =
-            (record.severity >= 0 && record.severity <= 2) ? severities[record.severity] : "?";
-        std::fprintf(stderr, "[%s] %ls: %s%ls\n", severity, record.source.c_str(), kind,
-                     record.message.c_str());
+        std::fprintf(stderr, "%s %ls: %s%ls\n", Severity(record.severity), record.source.c_str(),
+                     kind, record.message.c_str());
     }
 
     bool KeepsMessages() const override { return toStderr_; }
 
 private:
+    const char* Severity(int severity) const {
+        static const char* const plain[] = {"[error]", "[warning]", "[info]"};
+        static const char* const coloured[] = {"\x1b[1;31m[error]\x1b[0m",
+                                               "\x1b[33m[warning]\x1b[0m", "\x1b[2m[info]\x1b[0m"};
+        if (severity < 0 || severity > 2) {
+            return "[?]";
+        }
+        return colour_ ? coloured[severity] : plain[severity];
+    }
+
     bool toStderr_ = false;
+    bool colour_ = false;
 };
 
 LogSink*& CurrentSink() {

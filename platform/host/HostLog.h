@@ -1,5 +1,6 @@
 // Stand-in for the host's developer-log library. Where the log goes is the sink's business: by
-// default nothing is kept, VANTO_HOST_LOG=stderr prints it, and tests capture it.
+// default nothing is kept, VANTO_HOST_LOG=stderr (or stderr:colour) prints it, and tests capture
+// it.
 #pragma once
 
 #include "com/ComBase.h"

@@ -78,8 +78,8 @@ endif()
 expect_in("${output}" "status: 0x00000000, checked out by: Alice.Moreau [(]me[)]"
           "CheckOut Z:.PDM.Root.bracket.par: 0x00000000")
 
-run("the installed vanto_host" ${run_tool})
-expect_in("${output}" "DllGetClassObject: found" "mock file services +ok")
+run("the installed vanto_host" ${run_tool} load)
+expect_in("${output}" "DllGetClassObject +found" "mock file services +S_OK")
 
 if(WINE_RUN)
   # The registration script beside the installed module writes the module's path under the user's

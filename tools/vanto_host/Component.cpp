@@ -1,0 +1,109 @@
+#include "Component.h"
+
+#include <filesystem>
+
+namespace vanto_host {
+
+namespace {
+
+template <class Interface> Interface* Query(IUnknown* manager, const IID& iid, HRESULT* hr) {
+    Interface* found = nullptr;
+    *hr = manager->QueryInterface(iid, reinterpret_cast<void**>(&found));
+    return SUCCEEDED(*hr) ? found : nullptr;
+}
+
+template <class Interface> void Release(Interface*& object) {
+    if (object != nullptr) {
+        object->Release();
+        object = nullptr;
+    }
+}
+
+} // namespace
+
+std::string DefaultModulePath(const std::string& program) {
+    const std::size_t slash = program.find_last_of("/\\");
+    const std::string folder = slash == std::string::npos ? "." : program.substr(0, slash);
+    const std::string beside = folder + "/" + VANTO_MODULE_FILE;
+    std::error_code error;
+    return std::filesystem::exists(beside, error) ? beside : folder + "/" + VANTO_INSTALLED_MODULE;
+}
+
+Component::Component(const std::string& modulePath, bool mock)
+    : module_(modulePath), path_(modulePath) {
+    if (!module_.IsLoaded()) {
+        error_ = "cannot load " + modulePath + ": " + module_.Error();
+        return;
+    }
+    getClassObject_ = module_.Get<PFN_DllGetClassObject>("DllGetClassObject");
+    canUnloadNow_ = module_.Get<PFN_DllCanUnloadNow>("DllCanUnloadNow");
+    if (getClassObject_ == nullptr || canUnloadNow_ == nullptr) {
+        error_ = modulePath + " does not export DllGetClassObject and DllCanUnloadNow";
+        return;
+    }
+    IClassFactory* factory = nullptr;
+    factoryResult_ =
+        getClassObject_(CLSID_VANTOManager, IID_IClassFactory, reinterpret_cast<void**>(&factory));
+    if (FAILED(factoryResult_)) {
+        error_ = "DllGetClassObject: " + HResultText(factoryResult_);
+        return;
+    }
+    managerResult_ =
+        factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&manager_));
+    factory->Release();
+    if (FAILED(managerResult_)) {
+        error_ = "CreateInstance: " + HResultText(managerResult_);
+        return;
+    }
+    HRESULT hr = S_OK;
+    session_ =
+        Query<IVANTOSession>(manager_, mock ? IID_IVANTOMockSession : IID_IVANTOSession, &hr);
+    if (session_ != nullptr) {
+        files_ = Query<IVANTOFileServices>(
+            manager_, mock ? IID_IVANTOMockFileServices : IID_IVANTOFileServices, &hr);
+    }
+    if (!Ready()) {
+        error_ = std::string("QueryInterface (") + (mock ? "mock " : "") +
+                 "interfaces): " + HResultText(hr);
+    }
+}
+
+Component::~Component() {
+    Release(files_);
+    Release(session_);
+    Release(manager_);
+}
+
+Report Component::LoadReport() const {
+    Report report("load");
+    report.Field("module", "module", path_.c_str());
+    report.Columns({{"step", "step"}, {"result", "result"}});
+    auto step = [&report](const char* name, const std::string& result) {
+        report.Row({{"step", name}, {"result", result}});
+    };
+    step("DllGetClassObject", getClassObject_ != nullptr ? "found" : "missing");
+    step("DllCanUnloadNow", canUnloadNow_ != nullptr ? "found" : "missing");
+    if (getClassObject_ != nullptr) {
+        step("class factory", HResultText(factoryResult_));
+    }
+    bool complete = manager_ != nullptr && canUnloadNow_ != nullptr;
+    if (manager_ != nullptr) {
+        step("manager", HResultText(managerResult_));
+        const std::pair<const char*, const IID*> interfaces[] = {
+            {"session", &IID_IVANTOSession},
+            {"file services", &IID_IVANTOFileServices},
+            {"mock session", &IID_IVANTOMockSession},
+            {"mock file services", &IID_IVANTOMockFileServices}};
+        for (const auto& [name, iid] : interfaces) {
+            HRESULT hr = S_OK;
+            IUnknown* found = Query<IUnknown>(manager_, *iid, &hr);
+            step(name, HResultText(hr));
+            complete = complete && found != nullptr;
+            Release(found);
+        }
+    }
+    report.Result(complete ? S_OK : E_FAIL);
+    return report;
+}
+
+} // namespace vanto_host

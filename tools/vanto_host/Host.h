@@ -1,0 +1,99 @@
+// What a subcommand runs against: the loaded component's two interfaces, the output settings,
+// the implicit registration with the connector, and progress on standard error.
+#pragma once
+
+#include "Component.h"
+#include "Report.h"
+
+#include "host/GUserText.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vanto_host {
+
+enum class Output { Table, Json };
+
+class Host {
+public:
+    Host(Component& component, bool mock, Output output)
+        : component_(component), mock_(mock), output_(output) {}
+
+    IVANTOSession& Session() { return component_.Session(); }
+    IVANTOFileServices& Files() { return component_.Files(); }
+    bool Mock() const noexcept { return mock_; }
+
+    // A host registers with the connector before its first command (IsConnected(false)); each run
+    // of this program is a new process, so a command that needs the session does it first. Not
+    // done on the mock, which needs no session, nor with --no-connect.
+    void Register();
+    void SkipRegistration() { registered_ = true; }
+
+    // Prints the report as asked and gives its exit status.
+    int Print(const Report& report) const;
+
+private:
+    Component& component_;
+    bool mock_;
+    Output output_;
+    bool registered_ = false;
+};
+
+// "where-used 120/3000" on standard error while work that sends many commands goes on, when
+// standard error is a terminal; nothing otherwise. The line is cleared when it is destroyed.
+class Progress {
+public:
+    Progress(std::string what, std::size_t total);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    void Step();
+
+private:
+    std::string what_;
+    std::size_t total_;
+    std::size_t done_ = 0;
+    bool shown_;
+};
+
+// Texts between the command line (UTF-8), the interfaces and JSON.
+inline GUserText Wide(const std::string& text) {
+    return GUserText(std::string_view(text));
+}
+PathList WideList(const std::vector<std::string>& texts);
+inline boost::json::value Json(const GUserText& text) {
+    return boost::json::value(text.Narrow());
+}
+inline boost::json::value Json(const std::string& text) {
+    return boost::json::value(boost::json::string_view(text));
+}
+
+// ---- subcommands -------------------------------------------------------------------------------
+
+using Runner = std::function<int(Host&)>;
+
+// Whether a subcommand needs the connector session (registers first) or not.
+enum class Needs { Nothing, Session };
+
+// Adds a subcommand that, when it is the one given, sets `chosen` to `run`.
+CLI::App* AddCommand(CLI::App& parent, const std::string& name, const std::string& help,
+                     Needs needs, Runner& chosen, Runner run);
+
+// Checks of arguments: any text must be UTF-8; a path must also be non-empty and free of control
+// characters.
+const CLI::Validator& TextCheck();
+const CLI::Validator& PathCheck();
+
+// Adds a required positional argument taking one or more paths.
+CLI::Option* AddPaths(CLI::App& command, std::vector<std::string>& paths,
+                      const std::string& name = "PATH", const std::string& help = "file path");
+
+void AddSessionCommands(CLI::App& app, Runner& chosen);
+void AddFileCommands(CLI::App& app, Runner& chosen);
+void AddStructureCommands(CLI::App& app, Runner& chosen);
+
+} // namespace vanto_host
