@@ -8,6 +8,7 @@
 #include <chrono>
 #include <filesystem>
 #include <thread>
+#include <vector>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -32,6 +33,25 @@ std::wstring ScratchFolder() {
                                                          "-" + std::to_string(++count));
     fs::create_directories(folder);
     return folder.wstring();
+}
+
+// The Windows build's remove_all stops advancing at an entry that vanished after it was listed
+// and loops for ever; this lists a folder first and then removes whatever is still there.
+void RemoveTree(const fs::path& folder) {
+    std::error_code ignored;
+    std::vector<fs::path> entries;
+    for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
+         entry.increment(ignored)) {
+        entries.push_back(entry->path());
+    }
+    for (const fs::path& entry : entries) {
+        if (fs::is_directory(fs::symlink_status(entry, ignored))) {
+            RemoveTree(entry);
+        } else {
+            fs::remove(entry, ignored);
+        }
+    }
+    fs::remove(folder, ignored);
 }
 
 #ifdef _WIN32
@@ -145,8 +165,7 @@ EmulatorProcess::EmulatorProcess(Options options)
 
 EmulatorProcess::~EmulatorProcess() {
     Stop();
-    std::error_code ignored;
-    fs::remove_all(fs::path(scratch_), ignored);
+    RemoveTree(fs::path(scratch_));
     platform::os::SetEnvironmentValue(L"VANTO_CORVANE_EMULATOR", previousProgram_);
     platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", previousData_);
 }

@@ -67,27 +67,8 @@ void RememberWorkspace(Store& store, Workspace& workspace) {
     transaction.Commit();
 }
 
-int Serve(ServeOptions options) {
-    fs::create_directories(options.data);
-    fs::permissions(options.data, fs::perms::owner_all, fs::perm_options::replace);
-    if (options.endpointFile.empty()) {
-        options.endpointFile = options.data + "/endpoint.json";
-    }
+void ServeUntilStopped(ServeOptions& options) {
     Workspace& workspace = options.workspace;
-    if (!workspace.folder.empty()) {
-        workspace.folder = fs::absolute(workspace.folder).lexically_normal().string();
-        while (workspace.folder.size() > 1 && workspace.folder.back() == '/') {
-            workspace.folder.pop_back();
-        }
-        const std::string guess = workspace.folder + "/corvane-import.json";
-        if (workspace.importFile.empty() && fs::exists(guess)) {
-            workspace.importFile = guess;
-        }
-    }
-    if (!workspace.importFile.empty()) {
-        workspace.importFile = fs::absolute(workspace.importFile).string();
-    }
-
     // Two desktops (two emulators, each with its user and data folder) may share one cloud.
     Store store(options.memory          ? ":memory:"
                 : options.cloud.empty() ? options.data + "/corvane.db"
@@ -112,6 +93,32 @@ int Serve(ServeOptions options) {
                 options.data.c_str());
     std::fflush(stdout);
     io.run();
+}
+
+int Serve(ServeOptions options) {
+    fs::create_directories(options.data);
+    fs::permissions(options.data, fs::perms::owner_all, fs::perm_options::replace);
+    if (options.endpointFile.empty()) {
+        options.endpointFile = options.data + "/endpoint.json";
+    }
+    Workspace& workspace = options.workspace;
+    if (!workspace.folder.empty()) {
+        workspace.folder = fs::absolute(workspace.folder).lexically_normal().string();
+        while (workspace.folder.size() > 1 && workspace.folder.back() == '/') {
+            workspace.folder.pop_back();
+        }
+        const std::string guess = workspace.folder + "/corvane-import.json";
+        if (workspace.importFile.empty() && fs::exists(guess)) {
+            workspace.importFile = guess;
+        }
+    }
+    if (!workspace.importFile.empty()) {
+        workspace.importFile = fs::absolute(workspace.importFile).string();
+    }
+
+    ServeUntilStopped(options);
+    // Only now, with the database closed and its journal files gone, so that whoever waits for
+    // this file to disappear finds the data folder settled.
     std::remove(options.endpointFile.c_str());
     return 0;
 }
