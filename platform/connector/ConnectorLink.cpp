@@ -226,12 +226,13 @@ bool ConnectorLink::Alive() noexcept {
     }
     // A connection whose other end has gone (the emulator restarted) reads as end of file at
     // once; it is replaced before anything is sent on it.
-    error_code error;
-    s.socket.non_blocking(true, error);
+    error_code mode;
+    s.socket.non_blocking(true, mode);
     char probe = 0;
+    error_code error;
     s.socket.read_some(asio::buffer(&probe, 1), error);
-    s.socket.non_blocking(false, error);
-    if (error != asio::error::would_block) {
+    s.socket.non_blocking(false, mode);
+    if (mode || error != asio::error::would_block) {
         Close();
         return false;
     }

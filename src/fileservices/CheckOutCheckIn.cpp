@@ -5,6 +5,7 @@
 #include "fileservices/CallFrame.h"
 #include "fileservices/ReturnCodes.h"
 
+#include <cstdint>
 #include <functional>
 #include <iterator>
 #include <string_view>
@@ -44,6 +45,69 @@ void ClearLock(FileLockStatus& status) {
     status.isCheckedOut = false;
     status.isCheckedOutByCurrentUser = false;
 }
+
+// Name -> the first entry of that name, so that each answer is found in one look-up. Open
+// addressing in one flat table at most half full: a slot holds the entry's index + 1 (0 is free)
+// and part of the name's hash, which spares most text comparisons while probing. A list of a
+// hundred thousand files costs no allocation per name.
+class FirstEntryOfName {
+public:
+    static constexpr std::size_t None = static_cast<std::size_t>(-1);
+
+    explicit FirstEntryOfName(const std::vector<std::string_view>& names)
+        : names_(names), first_(names.size(), false) {
+        std::size_t size = 1;
+        while (size < 2 * names.size()) {
+            size <<= 1;
+        }
+        slots_.resize(size);
+        mask_ = size - 1;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const std::size_t hash = Hash(names[i]);
+            Slot& slot = slots_[SlotOf(names[i], hash)];
+            if (slot.entry == 0) {
+                slot = Slot{static_cast<std::uint32_t>(i + 1), Tag(hash)};
+                first_[i] = true;
+            }
+        }
+    }
+
+    // The first entry named `name`, or None; `hint` is the entry most likely to be it.
+    std::size_t Find(std::string_view name, std::size_t hint) const {
+        if (hint < names_.size() && first_[hint] && names_[hint] == name) {
+            return hint;
+        }
+        const std::uint32_t entry = slots_[SlotOf(name, Hash(name))].entry;
+        return entry == 0 ? None : entry - 1;
+    }
+
+private:
+    // Entry numbers fit 32 bits: a list of four billion files would not fit in memory.
+    struct Slot {
+        std::uint32_t entry = 0;
+        std::uint32_t tag = 0;
+    };
+
+    static std::size_t Hash(std::string_view name) { return std::hash<std::string_view>()(name); }
+    static std::uint32_t Tag(std::size_t hash) {
+        return static_cast<std::uint32_t>(static_cast<std::uint64_t>(hash) >> 32);
+    }
+
+    // The slot of `name`: the one that holds it, else the free one where it would go.
+    std::size_t SlotOf(std::string_view name, std::size_t hash) const {
+        for (std::size_t at = hash & mask_;; at = (at + 1) & mask_) {
+            const Slot& slot = slots_[at];
+            if (slot.entry == 0 || (slot.tag == Tag(hash) && names_[slot.entry - 1] == name)) {
+                return at;
+            }
+        }
+    }
+
+    const std::vector<std::string_view>& names_;
+    std::vector<bool> first_;
+    std::vector<Slot> slots_;
+    std::size_t mask_ = 0;
+};
 
 } // namespace
 
@@ -88,34 +152,17 @@ void ApplyUnlockResults(const CorvaneUnLockDesignRevisionsOutput& output, FileCh
     for (std::size_t i = 0; i < files.size() && i < sent.DesignIdentifiers.size(); ++i) {
         names.emplace_back(sent.DesignIdentifiers[i]->Value);
     }
-    // UTF-8 name -> first entry of that name, so that each answer is found in one look-up. Open
-    // addressing in one flat table at most half full (a slot holds entry index + 1, 0 is free):
-    // a list of a hundred thousand files costs no allocation per name.
-    std::size_t size = 1;
-    while (size < 2 * names.size()) {
-        size <<= 1;
-    }
-    std::vector<std::size_t> slots(size, 0);
-    const auto slotOf = [&](std::string_view name) -> std::size_t& {
-        for (std::size_t at = std::hash<std::string_view>()(name) & (size - 1);;
-             at = (at + 1) & (size - 1)) {
-            if (slots[at] == 0 || names[slots[at] - 1] == name) {
-                return slots[at];
-            }
-        }
-    };
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        std::size_t& slot = slotOf(names[i]);
-        if (slot == 0) {
-            slot = i + 1;
-        }
-    }
+    const FirstEntryOfName firstOf(names);
+    // The answer lists the files in the order they were sent: the entry after the last one found
+    // is tried first, so that a long list is mostly walked in order rather than looked up.
+    std::size_t next = 0;
     for (const auto& lock : output.Status) {
-        const std::size_t slot = slotOf(lock->DesignIdentifier);
-        if (slot != 0) {
-            FileCheckInEntry& entry = files[slot - 1];
+        const std::size_t at = firstOf.Find(lock->DesignIdentifier, next);
+        if (at != FirstEntryOfName::None) {
+            FileCheckInEntry& entry = files[at];
             entry.errorCode = lock->ErrorCode;
             entry.lockedBy = FromUtf8(lock->LockedBy);
+            next = at + 1;
         }
     }
 }

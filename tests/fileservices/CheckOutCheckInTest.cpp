@@ -136,8 +136,12 @@ TEST_F(CheckOutCheckIn, CheckInSendsEveryEntryAndUpdatesTheFirstOfEachName) {
     Take();
 
     list = {{L"/w/a.par", 0, L""}, {L"/w/b.par", 0, L""}, {L"/w/a.par", 0, L""}};
-    const std::string answer = R"({"Status":[{"DesignIdentifier":"/w/a.par","LockedBy":"b\u00f6b",)"
-                               R"("ErrorCode":12},{"DesignIdentifier":"/W/B.PAR","ErrorCode":7}]})";
+    // After b.par the next entry is the second a.par, which is not the first of its name.
+    const std::string answer = R"({"Status":[{"DesignIdentifier":"/w/a.par","LockedBy":"eve",)"
+                               R"("ErrorCode":12},{"DesignIdentifier":"/W/B.PAR","ErrorCode":7},)"
+                               R"({"DesignIdentifier":"/w/b.par","ErrorCode":5},)"
+                               R"({"DesignIdentifier":"/w/a.par","LockedBy":"b\u00f6b",)"
+                               R"("ErrorCode":9}]})";
     connector.Answer("UNLOCKDESIGNREVISIONS", answer);
     EXPECT_EQ(S_OK, files->CheckIn(&list));
     const std::string request =
@@ -153,11 +157,13 @@ TEST_F(CheckOutCheckIn, CheckInSendsEveryEntryAndUpdatesTheFirstOfEachName) {
                {2, L"UnLockDesignRevisions Output: " + GUserText(std::string_view(answer)).wstr()},
                {2, L"Check-in successful. No errors found."}}),
         Take());
-    // Matching is exact: the upper-case name finds nothing.
-    EXPECT_EQ(12, list[0].errorCode);
+    // Matching is exact (the upper-case name finds nothing) and the first of a name takes every
+    // answer for it, the last one winning.
+    EXPECT_EQ(9, list[0].errorCode);
     EXPECT_EQ(L"b\u00f6b", list[0].lockedBy.wstr());
-    EXPECT_EQ(0, list[1].errorCode);
+    EXPECT_EQ(5, list[1].errorCode);
     EXPECT_EQ(0, list[2].errorCode);
+    EXPECT_TRUE(list[2].lockedBy.IsEmpty());
 }
 
 TEST_F(CheckOutCheckIn, CheckInWithErrorsLeavesTheListAsItCame) {

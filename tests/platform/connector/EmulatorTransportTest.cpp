@@ -63,6 +63,9 @@ TEST_F(EmulatorTransport, AClientWithoutTheSecretGetsNothingAndOthersAreStillSer
         << error.message();
 
     EXPECT_EQ(R"({"Ready":true})", link.Call(emulator.Endpoint(), "ready", ""));
+    // The connection is kept for the next call, and looking at it does not end it.
+    EXPECT_TRUE(link.Alive());
+    EXPECT_TRUE(link.Alive());
 }
 
 TEST_F(EmulatorTransport, HostileBodiesAreAnsweredAndTheNextClientIsServed) {
