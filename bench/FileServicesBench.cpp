@@ -348,6 +348,29 @@ void ParseAnswers(benchmark::State& state, Answer kind, int size) {
     }
 }
 
+// Times `call` (which returns the method's HRESULT) over the benchmark's iterations. Between two
+// calls, untimed, `settle` checks what the call did to the caller's data and puts it back as it
+// was; the connector starts its answers again. Any wrong result marks the benchmark as failed.
+template <class Call, class Settle>
+void TimeCalls(benchmark::State& state, const Prepared& prepared, std::size_t sends,
+               const char* failure, Call call, Settle settle) {
+    Host* host = Ready(state, prepared);
+    if (host == nullptr) {
+        return;
+    }
+    bool done = true;
+    for (auto _ : state) {
+        const HRESULT result = call(*host->files);
+        state.PauseTiming();
+        done = settle() && result == S_OK && host->connector.sent == sends && done;
+        host->connector.Use(prepared);
+        state.ResumeTiming();
+    }
+    if (!done) {
+        state.SkipWithError(failure);
+    }
+}
+
 // Every entry checked out to the user, set back to not checked out.
 bool TakeAllCheckedOut(FileLockStatusMap& files) {
     bool all = true;
@@ -369,178 +392,119 @@ FileLockStatusMap LockStatusOf(const PathList& paths) {
 // Nothing checked out yet: every file goes into the request and comes back locked.
 void CheckOutCall(benchmark::State& state, int size) {
     const Prepared& prepared = Prepare(Answer::Lock, size);
-    Host* host = Ready(state, prepared);
-    if (host == nullptr) {
-        return;
-    }
     FileLockStatusMap files = LockStatusOf(prepared.paths);
-    bool done = files.size() == static_cast<std::size_t>(size);
-    for (auto _ : state) {
-        const HRESULT result = host->files->CheckOut(&files);
-        state.PauseTiming();
-        done = done && result == S_OK && host->connector.sent == 1 && TakeAllCheckedOut(files);
-        host->connector.sent = 0;
-        state.ResumeTiming();
-    }
-    if (!done) {
-        state.SkipWithError("CheckOut did not lock every file");
-    }
+    TimeCalls(
+        state, prepared, 1, "CheckOut did not lock every file",
+        [&](IVANTOFileServices& service) { return service.CheckOut(&files); },
+        [&] { return TakeAllCheckedOut(files); });
 }
 
 void CheckInCall(benchmark::State& state, int size) {
     const Prepared& prepared = Prepare(Answer::Unlock, size);
-    Host* host = Ready(state, prepared);
-    if (host == nullptr) {
-        return;
-    }
     constexpr std::int32_t Untouched = -1;
     FileCheckInList files(prepared.paths.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
         files[i].fileName = prepared.paths[i];
         files[i].errorCode = Untouched;
     }
-    bool done = true;
-    for (auto _ : state) {
-        const HRESULT result = host->files->CheckIn(&files);
-        state.PauseTiming();
-        done = done && result == S_OK && host->connector.sent == 1;
-        for (FileCheckInEntry& entry : files) {
-            done = done && entry.errorCode == 0;
-            entry.errorCode = Untouched;
-        }
-        host->connector.sent = 0;
-        state.ResumeTiming();
-    }
-    if (!done) {
-        state.SkipWithError("CheckIn did not set every entry");
-    }
+    TimeCalls(
+        state, prepared, 1, "CheckIn did not set every entry",
+        [&](IVANTOFileServices& service) { return service.CheckIn(&files); },
+        [&] {
+            bool all = true;
+            for (FileCheckInEntry& entry : files) {
+                all = all && entry.errorCode == 0;
+                entry.errorCode = Untouched;
+            }
+            return all;
+        });
 }
 
 // Every file is locked by the user according to its lock properties.
 void GetCheckOutStatusCall(benchmark::State& state, int size) {
     const Prepared& prepared = Prepare(Answer::Properties, size);
-    Host* host = Ready(state, prepared);
-    if (host == nullptr) {
-        return;
-    }
     FileLockStatusMap files = LockStatusOf(prepared.paths);
-    bool done = files.size() == static_cast<std::size_t>(size);
-    for (auto _ : state) {
-        const HRESULT result = host->files->GetCheckOutStatus(&files, false);
-        state.PauseTiming();
-        done = done && result == S_OK && host->connector.sent == 1 && TakeAllCheckedOut(files);
-        host->connector.sent = 0;
-        state.ResumeTiming();
-    }
-    if (!done) {
-        state.SkipWithError("GetCheckOutStatus did not mark every file");
-    }
+    TimeCalls(
+        state, prepared, 1, "GetCheckOutStatus did not mark every file",
+        [&](IVANTOFileServices& service) { return service.GetCheckOutStatus(&files, false); },
+        [&] { return TakeAllCheckedOut(files); });
 }
 
 void GetContextInformationCall(benchmark::State& state, int size) {
     const Prepared& prepared = Prepare(Answer::Contexts, size);
-    Host* host = Ready(state, prepared);
-    if (host == nullptr) {
-        return;
-    }
     FileContextList contexts;
-    bool done = true;
-    for (auto _ : state) {
-        const HRESULT result = host->files->GetContextInformation(prepared.paths, &contexts);
-        state.PauseTiming();
-        done = done && result == S_OK && host->connector.sent == 1 &&
-               contexts.size() == static_cast<std::size_t>(size) &&
-               !contexts.back().context.documentUrn.IsEmpty();
-        contexts.clear();
-        host->connector.sent = 0;
-        state.ResumeTiming();
-    }
-    if (!done) {
-        state.SkipWithError("GetContextInformation did not add every file");
-    }
+    TimeCalls(
+        state, prepared, 1, "GetContextInformation did not add every file",
+        [&](IVANTOFileServices& service) {
+            return service.GetContextInformation(prepared.paths, &contexts);
+        },
+        [&] {
+            const bool all = contexts.size() == static_cast<std::size_t>(size) &&
+                             !contexts.back().context.documentUrn.IsEmpty();
+            contexts.clear();
+            return all;
+        });
 }
 
 // With `filter` empty every property is kept (fifteen per file), else two per file.
 void GetPropertiesCall(benchmark::State& state, int size, bool twoNames) {
     const Prepared& prepared = Prepare(Answer::Properties, size);
-    Host* host = Ready(state, prepared);
-    if (host == nullptr) {
-        return;
-    }
     PropertyNameSet filter;
     if (twoNames) {
         filter = {GUserText(L"PartNumber"), GUserText(L"LockedBy")};
     }
     const std::size_t perFile = twoNames ? 2 : 15;
     FilePropertyList properties;
-    bool done = true;
-    for (auto _ : state) {
-        const HRESULT result = host->files->GetProperties(prepared.paths, filter, &properties);
-        state.PauseTiming();
-        done = done && result == S_OK && host->connector.sent == 1 &&
-               properties.size() == static_cast<std::size_t>(size);
-        for (const FilePropertyEntry& file : properties) {
-            std::size_t kept = 0;
-            for (const ObjectTypeProperties& group : file.objectTypes) {
-                kept += group.properties.size();
+    TimeCalls(
+        state, prepared, 1, "GetProperties did not add every file's properties",
+        [&](IVANTOFileServices& service) {
+            return service.GetProperties(prepared.paths, filter, &properties);
+        },
+        [&] {
+            bool all = properties.size() == static_cast<std::size_t>(size);
+            for (const FilePropertyEntry& file : properties) {
+                std::size_t kept = 0;
+                for (const ObjectTypeProperties& group : file.objectTypes) {
+                    kept += group.properties.size();
+                }
+                all = all && kept == perFile;
             }
-            done = done && kept == perFile;
-        }
-        properties.clear();
-        host->connector.sent = 0;
-        state.ResumeTiming();
-    }
-    if (!done) {
-        state.SkipWithError("GetProperties did not add every file's properties");
-    }
+            properties.clear();
+            return all;
+        });
 }
 
 void GetChildrenCall(benchmark::State& state, int size) {
     const Prepared& prepared = Prepare(Answer::Children, size);
-    Host* host = Ready(state, prepared);
-    if (host == nullptr) {
-        return;
-    }
     const GUserText parent = Wide(AssemblyPath(ParentNumber));
     RelationMap children;
-    bool done = true;
-    for (auto _ : state) {
-        const HRESULT result = host->files->GetChildren(parent, &children);
-        state.PauseTiming();
-        done = done && result == S_OK && host->connector.sent == 1 &&
-               children.size() == static_cast<std::size_t>(size);
-        children.clear();
-        host->connector.sent = 0;
-        state.ResumeTiming();
-    }
-    if (!done) {
-        state.SkipWithError("GetChildren did not add every child");
-    }
+    TimeCalls(
+        state, prepared, 1, "GetChildren did not add every child",
+        [&](IVANTOFileServices& service) { return service.GetChildren(parent, &children); },
+        [&] {
+            const bool all = children.size() == static_cast<std::size_t>(size);
+            children.clear();
+            return all;
+        });
 }
 
 // One command per path; each part adds its drawing, and each tenth part a new assembly.
 void GetCorvaneWUResultsCall(benchmark::State& state, int size) {
     const Prepared& prepared = Prepare(Answer::WhereUsed, size);
-    Host* host = Ready(state, prepared);
-    if (host == nullptr) {
-        return;
-    }
     const std::size_t expected =
         static_cast<std::size_t>(size) + static_cast<std::size_t>(size) / PartsPerAssembly;
     RelationMap whereUsed;
-    bool done = true;
-    for (auto _ : state) {
-        const HRESULT result = host->files->GetCorvaneWUResults(prepared.paths, &whereUsed, false);
-        state.PauseTiming();
-        done = done && result == S_OK && host->connector.sent == static_cast<std::size_t>(size) &&
-               whereUsed.size() == expected;
-        whereUsed.clear();
-        host->connector.Use(prepared);
-        state.ResumeTiming();
-    }
-    if (!done) {
-        state.SkipWithError("GetCorvaneWUResults did not add every relation");
-    }
+    TimeCalls(
+        state, prepared, static_cast<std::size_t>(size),
+        "GetCorvaneWUResults did not add every relation",
+        [&](IVANTOFileServices& service) {
+            return service.GetCorvaneWUResults(prepared.paths, &whereUsed, false);
+        },
+        [&] {
+            const bool all = whereUsed.size() == expected;
+            whereUsed.clear();
+            return all;
+        });
 }
 
 // ---- Registration and the ratio lines -----------------------------------------------------------
