@@ -117,32 +117,33 @@ CapturingLogSink::~CapturingLogSink() {
     SetLogSink(previous_);
 }
 
-std::vector<std::wstring> CapturingLogSink::Messages() const {
+namespace {
+
+// The message texts of the records that `keep` accepts, in order.
+template <class Keep>
+std::vector<std::wstring> TextsOf(const std::vector<LogRecord>& records, Keep keep) {
     std::vector<std::wstring> texts;
     for (const LogRecord& record : records) {
-        if (record.kind == LogRecord::Kind::Message) {
+        if (keep(record)) {
             texts.push_back(record.message);
         }
     }
     return texts;
+}
+
+} // namespace
+
+std::vector<std::wstring> CapturingLogSink::Messages() const {
+    return TextsOf(records, [](const LogRecord& r) { return r.kind == LogRecord::Kind::Message; });
 }
 
 std::vector<std::wstring> CapturingLogSink::Messages(int severity) const {
-    std::vector<std::wstring> texts;
-    for (const LogRecord& record : records) {
-        if (record.kind == LogRecord::Kind::Message && record.severity == severity) {
-            texts.push_back(record.message);
-        }
-    }
-    return texts;
+    return TextsOf(records, [severity](const LogRecord& r) {
+        return r.kind == LogRecord::Kind::Message && r.severity == severity;
+    });
 }
 
 std::vector<std::wstring> CapturingLogSink::ScopesOpened() const {
-    std::vector<std::wstring> tags;
-    for (const LogRecord& record : records) {
-        if (record.kind == LogRecord::Kind::ScopeOpen) {
-            tags.push_back(record.message);
-        }
-    }
-    return tags;
+    return TextsOf(records,
+                   [](const LogRecord& r) { return r.kind == LogRecord::Kind::ScopeOpen; });
 }

@@ -2,6 +2,8 @@
 
 #include "os/ChildProcess.h"
 
+#include "os/CommandLine_win32.h"
+
 #include <cstdint>
 #include <windows.h>
 
@@ -46,23 +48,6 @@ std::wstring Wide(const std::string& text) {
     return wide;
 }
 
-// The quoting that CommandLineToArgvW and the C runtime undo.
-std::wstring Quoted(const std::wstring& argument) {
-    std::wstring quoted = L"\"";
-    std::size_t backslashes = 0;
-    for (const wchar_t c : argument) {
-        if (c == L'\\') {
-            ++backslashes;
-            continue;
-        }
-        quoted.append(c == L'"' ? backslashes * 2 + 1 : backslashes, L'\\');
-        backslashes = 0;
-        quoted += c;
-    }
-    quoted.append(backslashes * 2, L'\\');
-    return quoted + L"\"";
-}
-
 HANDLE TemporaryFile(SECURITY_ATTRIBUTES* inherit) {
     wchar_t folder[MAX_PATH];
     wchar_t name[MAX_PATH];
@@ -99,10 +84,11 @@ ProgramRun RunProgram(const std::string& program, const std::vector<std::string>
     HANDLE err = TemporaryFile(&inherit);
     HANDLE in = ::CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
                               OPEN_EXISTING, 0, nullptr);
-    std::wstring commandLine = Quoted(Wide(program));
+    std::vector<std::wstring> wideArguments;
     for (const std::string& argument : arguments) {
-        commandLine += L" " + Quoted(Wide(argument));
+        wideArguments.push_back(Wide(argument));
     }
+    std::wstring commandLine = CommandLine(Wide(program), wideArguments);
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;

@@ -2,31 +2,11 @@
 
 #include "os/Process.h"
 
+#include "os/CommandLine_win32.h"
+
 #include <windows.h>
 
 namespace platform::os {
-
-namespace {
-
-// One argument as the C runtime splits a command line again: quoted, with backslashes doubled
-// where they precede a quote.
-std::wstring Quoted(const std::wstring& argument) {
-    std::wstring quoted = L"\"";
-    std::size_t backslashes = 0;
-    for (wchar_t c : argument) {
-        if (c == L'\\') {
-            ++backslashes;
-            continue;
-        }
-        quoted.append(c == L'"' ? backslashes * 2 + 1 : backslashes, L'\\');
-        backslashes = 0;
-        quoted += c;
-    }
-    quoted.append(backslashes * 2, L'\\');
-    return quoted + L"\"";
-}
-
-} // namespace
 
 std::wstring EnvironmentValue(const std::wstring& name) {
     const DWORD size = ::GetEnvironmentVariableW(name.c_str(), nullptr, 0);
@@ -72,10 +52,7 @@ bool IsExecutableFile(const std::wstring& path) {
 
 unsigned long LaunchDetached(const std::wstring& program,
                              const std::vector<std::wstring>& arguments) {
-    std::wstring commandLine = Quoted(program);
-    for (const std::wstring& argument : arguments) {
-        commandLine += L" " + Quoted(argument);
-    }
+    std::wstring commandLine = CommandLine(program, arguments);
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process{};

@@ -289,8 +289,12 @@ using Context = Handler::Context;
 
 // --- Design revisions -------------------------------------------------------------------------
 
-void LockDesignRevisions(Store& store, Context& c, const CorvaneLockDesignRevisionsInput& in,
-                         CorvaneLockDesignRevisionsOutput& out, ErrorList& errors) {
+// One lock info per identifier, in order. A document that is not found, or that another user
+// holds (the answer names who), is answered here; `take` gets the ones the user may lock or
+// release.
+template <class Input, class Output, class Take>
+void ForEachDesignLock(Store& store, const Context& c, const Input& in, Output& out,
+                       ErrorList& errors, Take take) {
     for (const auto& id : in.DesignIdentifiers) {
         const std::string value = id->Value.str();
         CorvaneLockInfo& status = Append(out.Status);
@@ -302,35 +306,33 @@ void LockDesignRevisions(Store& store, Context& c, const CorvaneLockDesignRevisi
         } else if (d->lockUser != 0 && d->lockUser != c.user) {
             FillLock(status, value, *d, Locked);
             errors.Add(Locked, value);
-        } else if (store.Permission(d->key, c.user) < WriteAccess) {
-            status.ErrorCode = AccessDenied;
-            errors.Add(AccessDenied, value);
         } else {
-            // A time to live of -1 (or 0) never expires; otherwise it is in seconds.
-            store.SetLock(d->key, c.user, in.TimeToLive > 0 ? in.TimeToLive : -1);
-            FillLock(status, value, *store.DocumentByKey(d->key), 0);
+            take(status, value, *d);
         }
     }
 }
 
+void LockDesignRevisions(Store& store, Context& c, const CorvaneLockDesignRevisionsInput& in,
+                         CorvaneLockDesignRevisionsOutput& out, ErrorList& errors) {
+    ForEachDesignLock(store, c, in, out, errors,
+                      [&](CorvaneLockInfo& status, const std::string& value, const Document& d) {
+                          if (store.Permission(d.key, c.user) < WriteAccess) {
+                              status.ErrorCode = AccessDenied;
+                              errors.Add(AccessDenied, value);
+                              return;
+                          }
+                          // A time to live of -1 (or 0) never expires; otherwise it is in
+                          // seconds.
+                          store.SetLock(d.key, c.user, in.TimeToLive > 0 ? in.TimeToLive : -1);
+                          FillLock(status, value, *store.DocumentByKey(d.key), 0);
+                      });
+}
+
 void UnlockDesignRevisions(Store& store, Context& c, const CorvaneUnLockDesignRevisionsInput& in,
                            CorvaneUnLockDesignRevisionsOutput& out, ErrorList& errors) {
-    for (const auto& id : in.DesignIdentifiers) {
-        const std::string value = id->Value.str();
-        CorvaneLockInfo& status = Append(out.Status);
-        status.DesignIdentifier = id->Value;
-        const auto d = store.FindDocument(value, id->IdentifierType);
-        if (!d) {
-            status.ErrorCode = NotFound;
-            errors.Add(NotFound, value);
-        } else if (d->lockUser != 0 && d->lockUser != c.user) {
-            // Only the holder releases a lock; the answer names who that is.
-            FillLock(status, value, *d, Locked);
-            errors.Add(Locked, value);
-        } else {
-            store.ClearLock(d->key);
-        }
-    }
+    ForEachDesignLock(
+        store, c, in, out, errors,
+        [&](CorvaneLockInfo&, const std::string&, const Document& d) { store.ClearLock(d.key); });
 }
 
 bool TermMatches(Store& store, const Document& d,
