@@ -50,7 +50,12 @@ std::string UsageProblem(const CLI::App& app, const CLI::ParseError& error) {
     while (!command->get_subcommands().empty()) {
         command = command->get_subcommands().front();
     }
-    const std::vector<std::string> left = command->remaining();
+    // The word may be left over on the command or, when the command takes no positionals, on
+    // the program.
+    std::vector<std::string> left = command->remaining();
+    if (left.empty()) {
+        left = app.remaining();
+    }
     if (command->get_require_subcommand_min() > 0 && command->get_subcommands().empty() &&
         !left.empty()) {
         return "unknown subcommand '" + left.front() + "'";
