@@ -69,11 +69,17 @@ struct Rig {
     IVANTOFileServices* files = manager.FileServices();
 };
 
+// The session granted, as after registration.
+void Granted(Rig&) {
+    vanto::Session().sessionId = "s-1";
+    vanto::Session().registered = true;
+}
+
 struct Method {
     std::string name;
-    std::function<void(Rig&)> prepare;
     std::function<std::string(Rig&)> call; // the result as a text
-    std::vector<Site> sites;               // every connector call, in order
+    std::vector<Site> sites = {};          // every connector call, in order
+    std::function<void(Rig&)> prepare = &Granted;
 };
 
 std::string Show(HRESULT result) {
@@ -94,26 +100,15 @@ std::string Show(bool result) {
 const GUserText PathA(L"C:\\Corvane\\Pump\\Housing.par");
 const GUserText PathB(L"C:\\Corvane\\Pump\\Pump.asm");
 
-// The session granted, as after registration.
-void Granted(Rig&) {
-    vanto::Session().sessionId = "s-1";
-    vanto::Session().registered = true;
-}
-
-void Nothing(Rig&) {}
-
 std::vector<Method> FileServiceMethods() {
-    const auto granted = &Granted;
     return {
         {"CheckIn",
-         granted,
          [](Rig& r) {
              FileCheckInList files{{PathA, 0, GUserText()}};
              return Show(r.files->CheckIn(&files));
          },
          {{"Execute UNLOCKDESIGNREVISIONS", "E_FAIL"}}},
         {"CheckOut",
-         granted,
          [](Rig& r) {
              FileLockStatusMap files{{PathA, {}}};
              return Show(r.files->CheckOut(&files));
@@ -121,18 +116,15 @@ std::vector<Method> FileServiceMethods() {
          {{"Execute GETSESSIONINFO", "S_OK", Says::ExecuteLine, true},
           {"Execute LOCKDESIGNREVISIONS", "E_FAIL"}}},
         {"IsValidCorvaneFile(list)",
-         granted,
          [](Rig& r) {
              PathMonitoredMap monitored;
              return Show(r.files->IsValidCorvaneFile(PathList{PathA}, &monitored));
          },
          {{"Execute ISPATHMONITORED", "E_FAIL"}}},
         {"IsValidCorvaneFile(path)",
-         granted,
          [](Rig& r) { return Show(r.files->IsValidCorvaneFile(PathA)); },
          {{"Execute ISPATHMONITORED", "false"}}},
         {"GetStatusInformation",
-         granted,
          [](Rig& r) {
              FileStatusInformation status;
              return Show(r.files->GetStatusInformation(PathA, &status));
@@ -140,23 +132,12 @@ std::vector<Method> FileServiceMethods() {
          {{"Execute GETPROPERTIES", "S_OK", Says::ExecuteLine, true},
           {"Execute CHECKFORNEWERVERSION", "S_OK"}}},
         {"IsNewRevisionAvailable",
-         granted,
-         [](Rig& r) { return Show(r.files->IsNewRevisionAvailable(PathA)); },
-         {}},
+         [](Rig& r) { return Show(r.files->IsNewRevisionAvailable(PathA)); }},
         {"IsNewVersionAvailable",
-         granted,
          [](Rig& r) { return Show(r.files->IsNewVersionAvailable(PathA)); },
          {{"Execute GETPROPERTIES", "false", Says::ExecuteLine, true},
           {"Execute CHECKFORNEWERVERSION", "false"}}},
         {"GetCheckOutStatus",
-         [](Rig& r) {
-             Granted(r);
-             // The file is in the answer, so its newer version is asked for as well.
-             r.connector.Answer(
-                 "GETPROPERTIES",
-                 R"({"Errors":[],"FilePropertiesArray":[{"FilePath":)"
-                 R"("C:\\Corvane\\Pump\\Housing.par","ObjectTypeToPropertiesArray":[]}]})");
-         },
          [](Rig& r) {
              FileLockStatusMap files{{PathA, {}}};
              return Show(r.files->GetCheckOutStatus(&files, true));
@@ -164,47 +145,47 @@ std::vector<Method> FileServiceMethods() {
          {{"Execute GETSESSIONINFO", "S_OK", Says::ExecuteLine, true},
           {"Execute GETPROPERTIES", "E_FAIL"},
           {"Execute GETPROPERTIES", "S_OK", Says::ExecuteLine, true},
-          {"Execute CHECKFORNEWERVERSION", "S_OK"}}},
+          {"Execute CHECKFORNEWERVERSION", "S_OK"}},
+         [](Rig& r) {
+             Granted(r);
+             // The file is in the answer, so its newer version is asked for as well.
+             r.connector.Answer(
+                 "GETPROPERTIES",
+                 R"({"Errors":[],"FilePropertiesArray":[{"FilePath":)"
+                 R"("C:\\Corvane\\Pump\\Housing.par","ObjectTypeToPropertiesArray":[]}]})");
+         }},
         {"DownloadLatestVersion",
-         granted,
-         [](Rig& r) { return Show(r.files->DownloadLatestVersion(PathA)); },
-         {}},
+         [](Rig& r) { return Show(r.files->DownloadLatestVersion(PathA)); }},
         {"AttachDocumentToRevision",
-         granted,
-         [](Rig& r) { return Show(r.files->AttachDocumentToRevision({})); },
-         {}},
+         [](Rig& r) { return Show(r.files->AttachDocumentToRevision({})); }},
         {"GetDocumentConsistencyStamp",
-         granted,
          [](Rig& r) {
              DocumentStampMap stamps{{PathA, {}}};
              return Show(r.files->GetDocumentConsistencyStamp(&stamps));
          },
          {{"Execute GETPROPERTIES", "E_FAIL"}}},
         {"IsFileSynchronized",
+         [](Rig& r) { return Show(r.files->IsFileSynchronized(PathA)); },
+         {{"Execute ISPATHMONITORED", "true"}, {"Execute GETPROPERTIES", "true"}},
          [](Rig& r) {
              Granted(r);
              r.connector.Answer("ISPATHMONITORED",
                                 R"({"Errors":[],"PathToIsMonitored":[{"Key":)"
                                 R"("C:\\Corvane\\Pump\\Housing.par","Value":true}]})");
-         },
-         [](Rig& r) { return Show(r.files->IsFileSynchronized(PathA)); },
-         {{"Execute ISPATHMONITORED", "true"}, {"Execute GETPROPERTIES", "true"}}},
+         }},
         {"GetFilePath",
-         granted,
          [](Rig& r) {
              FileUidPathMap paths{{GUserText(L"d-1"), GUserText()}};
              return Show(r.files->GetFilePath(&paths));
          },
          {{"Execute GETFILEPATHBYUID", "E_FAIL"}}},
         {"GetContextInformation",
-         granted,
          [](Rig& r) {
              FileContextList contexts;
              return Show(r.files->GetContextInformation(PathList{PathA}, &contexts));
          },
          {{"Execute GETFILECONTEXTINFO", "E_FAIL"}}},
         {"GetAvailableContainers",
-         granted,
          [](Rig& r) {
              ContainerList containers;
              std::int32_t status = 0;
@@ -212,21 +193,18 @@ std::vector<Method> FileServiceMethods() {
          },
          {{"Execute GETAVAILABLECONTAINERS", "E_FAIL"}}},
         {"AddProjectToSync",
-         granted,
          [](Rig& r) {
              std::int32_t status = 0;
              return Show(r.files->AddProjectToSync(GUserText(L"urn:p:4"), &status));
          },
          {{"Execute ADDPROJECTTOSYNC", "E_FAIL"}}},
         {"GetFileAccessPermissions",
-         granted,
          [](Rig& r) {
              AccessPermissionMap permissions;
              return Show(r.files->GetFileAccessPermissions(PathList{PathA}, &permissions));
          },
          {{"Execute GETACCESSPERMISSIONS", "E_FAIL"}}},
         {"GenerateItemIDAndRevision",
-         granted,
          [](Rig& r) {
              std::int32_t count = 2;
              ItemIdRevisionList ids;
@@ -235,57 +213,48 @@ std::vector<Method> FileServiceMethods() {
          },
          {{"Execute GETNEXTID", "E_FAIL"}}},
         {"GenerateNextRevisionID",
-         granted,
          [](Rig& r) {
              GUserText revision;
              return Show(r.files->GenerateNextRevisionID(GUserText(L"urn:dr:7"), &revision));
          },
          {{"Execute GETNEXTREVISIONID", "E_FAIL"}}},
         {"GetProperties",
-         granted,
          [](Rig& r) {
              FilePropertyList properties;
              return Show(r.files->GetProperties(PathList{PathA}, {}, &properties));
          },
          {{"Execute GETPROPERTIES", "E_FAIL"}}},
         {"SetDataObject",
-         granted,
          [](Rig& r) {
              return Show(r.files->SetDataObject(GUserText(L"layout"), GUserText(L"{}")));
          },
          {{"Execute SETDATAOBJECT", "E_FAIL"}}},
         {"GetDesignRevisions",
-         granted,
          [](Rig& r) {
              PathList names;
              return Show(r.files->GetDesignRevisions(GUserText(L"Housing"), &names));
          },
          {{"Execute QUERYDESIGNREVISIONS", "E_FAIL"}}},
         {"AddChildren",
-         granted,
          [](Rig& r) { return Show(r.files->AddChildren(PathB, PathList{PathA})); },
          {{"Execute ADDCHILDREN", "E_FAIL"}}},
         {"RemoveChildren",
-         granted,
          [](Rig& r) { return Show(r.files->RemoveChildren(PathB, PathList{PathA})); },
          {{"Execute GETCHILDREN", "S_OK", Says::ExecuteLine, true},
           {"Execute REMOVECHILDREN", "E_FAIL"}}},
         {"GetChildren",
-         granted,
          [](Rig& r) {
              RelationMap children;
              return Show(r.files->GetChildren(PathB, &children));
          },
          {{"Execute GETCHILDREN", "E_FAIL"}}},
         {"GetCorvaneWUResults",
-         granted,
          [](Rig& r) {
              RelationMap whereUsed;
              return Show(r.files->GetCorvaneWUResults(PathList{PathA, PathB}, &whereUsed, false));
          },
          {{"Execute QUERYPRIMARYOBJECTS", "E_FAIL"}, {"Execute QUERYPRIMARYOBJECTS", "E_FAIL"}}},
         {"LogErrors",
-         granted,
          [](Rig& r) {
              std::uint32_t code = 0; // a code without a message
              return Show(r.files->LogErrors(&code));
@@ -295,42 +264,29 @@ std::vector<Method> FileServiceMethods() {
 }
 
 std::vector<Method> SessionMethods() {
-    const auto granted = &Granted;
     return {
         {"IsConnected",
-         &Nothing,
          [](Rig& r) { return Show(r.session->IsConnected(true)); },
          {{"RegisterClient", "false", Says::RegisterLine},
           {"Execute GETCORVANEROOTFOLDERS", "true", Says::ExecuteLine, true},
           {"Execute GETSESSIONINFO", "true", Says::ExecuteLine, true},
-          {"Execute GETCONNECTIONSTATUS", "false"}}},
+          {"Execute GETCONNECTIONSTATUS", "false"}},
+         [](Rig&) {}}, // not yet registered
         {"GetRootFolders",
-         granted,
          [](Rig& r) {
              RootFolderSet folders;
              return Show(r.session->GetRootFolders(&folders));
          },
          {{"Execute GETCORVANEROOTFOLDERS", "S_OK"}}},
         {"GetCurrentLoggedInUserInfo",
-         granted,
          [](Rig& r) {
              LoggedInUserInfo user;
              return Show(r.session->GetCurrentLoggedInUserInfo(&user));
          },
          {{"Execute GETSESSIONINFO", "S_OK"}}},
-        {"IsCorvaneRunning",
-         granted,
-         [](Rig& r) { return Show(r.session->IsCorvaneRunning()); },
-         {}},
-        {"IsCorvaneInstalled",
-         granted,
-         [](Rig& r) { return Show(r.session->IsCorvaneInstalled()); },
-         {}},
+        {"IsCorvaneRunning", [](Rig& r) { return Show(r.session->IsCorvaneRunning()); }},
+        {"IsCorvaneInstalled", [](Rig& r) { return Show(r.session->IsCorvaneInstalled()); }},
         {"StartCorvaneAndWaitForReadyState",
-         [](Rig& r) {
-             Granted(r);
-             r.connector.running = false;
-         },
          [](Rig& r) {
              bool timedOut = true;
              return Show(r.session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr));
@@ -339,20 +295,20 @@ std::vector<Method> SessionMethods() {
           {"DeRegisterClient", "true", Says::DeregisterLine, true},
           {"RegisterClient", "false"},
           {"Execute GETSESSIONINFO", "true", Says::ExecuteLine, true},
-          {"Execute GETCONNECTIONSTATUS", "false"}}},
+          {"Execute GETCONNECTIONSTATUS", "false"}},
+         [](Rig& r) {
+             Granted(r);
+             r.connector.running = false;
+         }},
         {"DeRegisterFromCorvane",
-         granted,
          [](Rig& r) {
              r.session->DeRegisterFromCorvane();
              return std::string("-");
          },
          {{"DeRegisterClient", "-", Says::DeregisterLine}}},
         {"IsCorvaneInOffLineMode",
-         granted,
-         [](Rig& r) { return Show(r.session->IsCorvaneInOffLineMode()); },
-         {}},
+         [](Rig& r) { return Show(r.session->IsCorvaneInOffLineMode()); }},
         {"GetSessionInfo",
-         granted,
          [](Rig& r) {
              SessionInfo info;
              return Show(r.session->GetSessionInfo(&info));

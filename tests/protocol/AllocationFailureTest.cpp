@@ -64,7 +64,8 @@ void ReadWithEveryAllocationFailing(const std::string& name, const std::string& 
         partial.push_back(ReadThenWrite<T>(part));
         cost.push_back(AllocationsToRead<T>(part));
     }
-    ASSERT_EQ(ReadThenWrite<T>(text), partial.back());
+    ASSERT_EQ(text, ReadThenWrite<T>(text)) << "the sample is the writer's own text";
+    ASSERT_EQ(text, partial.back());
 
     for (std::int64_t n = 1; n <= cost.back() + 1; ++n) {
         SCOPED_TRACE("allocation " + std::to_string(n));
