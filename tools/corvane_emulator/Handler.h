@@ -49,6 +49,7 @@ public:
 
     struct Command;
     using CommandTable = std::map<std::string, Command, std::less<>>;
+    const CommandTable& Commands() const { return commands_; }
     // What a command knows of who sent it.
     struct Context {
         std::int64_t user = 0;

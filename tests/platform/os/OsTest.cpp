@@ -17,12 +17,6 @@
 
 #include <gtest/gtest.h>
 
-#ifdef _WIN32
-#include "com/ComBase.h"
-#else
-#include <unistd.h>
-#endif
-
 namespace {
 
 using platform::os::CompareNoCase;
@@ -61,15 +55,6 @@ TEST(OsSleep, WaitsAboutAsLongAsAsked) {
     platform::os::SleepMilliseconds(30);
     // The system's timer may round, but not by a whole tick below the request.
     EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(20));
-}
-
-TEST(OsProcess, IdIsTheOneTheSystemReports) {
-#ifdef _WIN32
-    EXPECT_EQ(static_cast<std::uint32_t>(::GetCurrentProcessId()),
-              platform::os::CurrentProcessId());
-#else
-    EXPECT_EQ(static_cast<std::uint32_t>(::getpid()), platform::os::CurrentProcessId());
-#endif
 }
 
 TEST(OsUser, LogonNameIsPlainText) {

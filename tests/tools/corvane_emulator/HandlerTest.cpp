@@ -336,30 +336,9 @@ TEST_F(EmulatorHandler, OfflineSignedOutAndFaults) {
 // nothing.
 TEST_F(EmulatorHandler, HostileBodiesGetErrorsAndChangeNothing) {
     const std::string before = Control(R"({"Action":"documents"})");
-    const std::vector<std::string> commands = {"LOCKDESIGNREVISIONS",
-                                               "UNLOCKDESIGNREVISIONS",
-                                               "QUERYDESIGNREVISIONS",
-                                               "QUERYPRIMARYOBJECTS",
-                                               "GETNEXTID",
-                                               "GETNEXTREVISIONID",
-                                               "ADDCHILDREN",
-                                               "GETCHILDREN",
-                                               "REMOVECHILDREN",
-                                               "GETFILECONTEXTINFO",
-                                               "GETFILEPATHBYUID",
-                                               "CHECKFORNEWERVERSION",
-                                               "GETPROPERTIES",
-                                               "GETAVAILABLECONTAINERS",
-                                               "ADDPROJECTTOSYNC",
-                                               "GETACCESSPERMISSIONS",
-                                               "ISPATHMONITORED",
-                                               "SETDATAOBJECT",
-                                               "GETCONNECTIONSTATUS",
-                                               "GETSESSIONINFO",
-                                               "GETCORVANEROOTFOLDERS"};
     const std::string deep = std::string(100000, '[') + std::string(100000, ']');
     const std::string huge(50u * 1024u * 1024u, 'x');
-    for (const std::string& command : commands) {
+    for (const auto& [command, ignored] : handler.Commands()) {
         const std::string head =
             R"({"Command":")" + command + R"(","SessionId":")" + session + R"(","Version":1)";
         // Every key a command reads, with a value of a kind that no key has.

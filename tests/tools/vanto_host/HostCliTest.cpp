@@ -77,6 +77,7 @@ TEST(HostCliUsage, EveryKindOfBadInvocationIsAUsageErrorNamingTheProblem) {
     const BadInvocation cases[] = {{{}, "A subcommand is required"},
                                    {{"chekout", "a.par"}, "unknown subcommand 'chekout'"},
                                    {{"checkout"}, "PATH is required"},
+                                   {{"children", "bogus"}, "unknown subcommand 'bogus'"},
                                    {{"children", "add", "parent.asm"}, "CHILD is required"},
                                    {{"next-id", "folder"}, "EXTENSION is required"},
                                    {{"status", "a.par", "b.par"}, "not expected"},
