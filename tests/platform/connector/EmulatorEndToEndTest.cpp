@@ -2,8 +2,6 @@
 // emulator seeded from the example workspace (Ada Byrne signed in; Ben Okafor holds housing.psm).
 #include "connector/CorvaneClient.h"
 #include "os/Os.h"
-#include "os/Process.h"
-#include "os/TextConversion.h"
 #include "session/SessionState.h"
 #include "support/ComTestSupport.h"
 #include "support/EmulatorProcess.h"
@@ -11,10 +9,7 @@
 #include <boost/json.hpp>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -253,62 +248,6 @@ TEST_F(EmulatorSession, NumberingRevisionsAndContainers) {
     containers.clear();
     EXPECT_EQ(S_OK, files->GetAvailableContainers(&containers, &status));
     EXPECT_EQ(2u, containers.size());
-}
-
-// A second host process on another desktop (its own emulator, signed in as Ben Okafor) sharing
-// the cloud: it runs vanto_second_host, which signs in through the component and checks out or in.
-class EmulatorHosts : public EmulatorSession {
-protected:
-    std::string SecondHost(const char* action, const GUserText& path) {
-        ben->MakeCurrent();
-        const std::wstring result = ben->DataFolder() + L"/second-host.txt";
-        std::filesystem::remove(std::filesystem::path(result));
-#ifdef _WIN32
-        const std::wstring program = platform::os::ModuleDirectory() + L"\\vanto_second_host.exe";
-#else
-        const std::wstring program = platform::os::ModuleDirectory() + L"/vanto_second_host";
-#endif
-        const unsigned long pid = platform::os::LaunchDetached(
-            program, {platform::os::Utf8ToWide(action), path.wstr(), result});
-        emulator->MakeCurrent();
-        EXPECT_NE(0u, pid) << platform::os::WideToUtf8(program);
-        EXPECT_TRUE(platform::os::WaitForExit(pid, 60000));
-        std::ifstream file{std::filesystem::path(result)};
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-    void SetUp() override {
-        EmulatorSession::SetUp();
-        if (emulator) {
-            EmulatorProcess::Options options;
-            options.user = L"Ben Okafor";
-            options.cloudOf = emulator.get();
-            options.current = false;
-            ben = std::make_unique<EmulatorProcess>(options);
-        }
-    }
-    void TearDown() override {
-        EmulatorSession::TearDown();
-        ben.reset();
-    }
-    std::unique_ptr<EmulatorProcess> ben;
-};
-
-TEST_F(EmulatorHosts, TheSecondUsersCheckOutNamesTheHolderUntilTheFirstChecksIn) {
-    Connect();
-    const GUserText shaft = Doc("Gearbox/Shaft/shaft.par");
-    FileLockStatusMap mine{{shaft, {}}};
-    EXPECT_EQ(S_OK, files->CheckOut(&mine));
-    ASSERT_TRUE(mine[shaft].isCheckedOutByCurrentUser);
-
-    EXPECT_EQ("checked out by Ada Byrne\n", SecondHost("checkout", shaft));
-
-    FileCheckInList in{{shaft, 0, {}}};
-    files->CheckIn(&in);
-    ASSERT_EQ(0, in[0].errorCode);
-    EXPECT_EQ("checked out by me\n", SecondHost("checkout", shaft));
-    FileLockStatusMap now{{shaft, {}}};
-    EXPECT_EQ(S_OK, files->GetCheckOutStatus(&now, false));
-    EXPECT_EQ(GUserText(L"Ben Okafor"), now[shaft].checkedOutBy);
 }
 
 } // namespace

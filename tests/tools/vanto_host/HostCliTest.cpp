@@ -234,7 +234,10 @@ TEST_F(HostCli, CheckOutNamesTheHolderOfALockedPartAndCheckInReleasesIt) {
     EXPECT_EQ(1, Host({"checkin", housing}).status);
 }
 
-TEST_F(HostCli, ASecondDesktopOnTheSameCloudIsRefusedThePartAndToldItsHolder) {
+// Two host processes on two desktops sharing the cloud, each signed in as its own user.
+using EmulatorHosts = HostCli;
+
+TEST_F(EmulatorHosts, TheSecondUsersCheckOutNamesTheHolderUntilTheFirstChecksIn) {
     EmulatorProcess::Options options;
     options.user = L"Ben Okafor";
     options.cloudOf = emulator.get();
