@@ -325,6 +325,8 @@ struct Run {
     std::vector<std::string> calls;
     std::vector<std::wstring> errors; // severity 0 lines
     std::int64_t leaked = 0;          // core blocks left live by the call
+    std::vector<std::wstring> scopes; // the scope records opened, in order
+    std::ptrdiff_t closed = 0;        // and the ones closed
 };
 
 Run RunMethod(const Method& method, const std::function<void(FakeConnector&)>& arm) {
@@ -343,6 +345,10 @@ Run RunMethod(const Method& method, const std::function<void(FakeConnector&)>& a
         run.leaked = Core::MemoryManager::LiveAllocations() - live;
         run.calls = rig.connector.calls;
         run.errors = rig.log.Messages(0);
+        run.scopes = rig.log.ScopesOpened();
+        run.closed = std::count_if(
+            rig.log.records.begin(), rig.log.records.end(),
+            [](const LogRecord& record) { return record.kind == LogRecord::Kind::ScopeClose; });
         rig.connector.ClearFailures();
     }
     vanto::ResetSessionStateForTesting();
@@ -364,12 +370,24 @@ Run CleanRun(const Method& method) {
     return clean;
 }
 
-// Every slot of the file-services interface, in order, with a session: the commands it sends
-// (through the slots it calls, where it works through others); none for the inert ones.
-TEST(FileServicesSlots, EachSlotSendsTheCommandsOfItsMethod) {
+// Every slot of the file-services interface, in order. With a session: the commands it sends
+// (through the slots it calls, where it works through others); none for the inert ones. Before
+// any session: it reaches the method of its name, which opens its scope record (all but
+// IsFileSynchronized and LogErrors) and closes it before returning.
+TEST(FileServicesSlots, EachSlotSendsTheCommandsOfItsMethodWithinItsScope) {
     for (const Method& method : FileServiceMethods()) {
         SCOPED_TRACE(method.name);
         CleanRun(method);
+        Method unregistered = method;
+        unregistered.prepare = [](Rig&) {};
+        const auto bare = RunMethod(unregistered, [](FakeConnector&) {});
+        const std::string name = method.name.substr(0, method.name.find('('));
+        std::vector<std::wstring> expected;
+        if (name != "IsFileSynchronized" && name != "LogErrors") {
+            expected.push_back(L"VANTOManager::VANTOFileServices::" + GUserText(name).wstr());
+        }
+        EXPECT_EQ(expected, bare.scopes);
+        EXPECT_EQ(static_cast<std::ptrdiff_t>(expected.size()), bare.closed);
     }
 }
 
