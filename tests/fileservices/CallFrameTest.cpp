@@ -1,9 +1,12 @@
 // What every file-service method shares: the result it gives before any session exists, the
 // exception line of its guard, and the messages of the return-code table.
 #include "fileservices/FileServicesFixture.h"
+#include "fileservices/SlotTable.h"
 #include "log/VANTOLog.h"
 
-#include <functional>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -12,73 +15,43 @@ using testsupport::FileServicesTest;
 using testsupport::Line;
 using testsupport::Lines;
 using testsupport::NotValidLine;
+using namespace testsupport::slots;
 
 using FrameTest = FileServicesTest;
 
-TEST_F(FrameTest, BeforeRegistrationEachMethodSendsNothingAndGivesItsOwnResult) {
-    Unregister();
-    // Inputs that would be sent, and outputs with values of their own that must stay.
-    testsupport::SlotArguments a;
-    a.checkIns = {{L"/w/a.par", 5, L"bob"}};
-    a.locks = {{L"/w/a.par", {}}};
-    a.status.isNewVersionAvailable = 7;
-    a.stamps = {{L"/w/a.par", {}}};
-    a.uids = {{L"id-1", L""}};
-    a.containerStatus = 9;
-    a.revision = L"A";
-    const GUserText path(L"/w/a.par");
-    const PathList paths{path};
-    // Every method that tests the session; GetProperties and the two inert ones test none and are
-    // covered with their groups.
-    const struct {
-        const char* method;
-        std::function<long()> call;
-        long notConnected;
-    } methods[] = {
-        {"CheckIn", [&] { return files->CheckIn(&a.checkIns); }, E_FAIL},
-        {"CheckOut", [&] { return files->CheckOut(&a.locks); }, E_FAIL},
-        {"IsValidCorvaneFile list", [&] { return files->IsValidCorvaneFile(paths, &a.monitored); },
-         E_FAIL},
-        {"IsValidCorvaneFile", [&] { return long{files->IsValidCorvaneFile(path)}; }, false},
-        {"GetStatusInformation", [&] { return files->GetStatusInformation(path, &a.status); },
-         E_FAIL},
-        {"IsNewRevisionAvailable", [&] { return long{files->IsNewRevisionAvailable(path)}; },
-         false},
-        {"IsNewVersionAvailable", [&] { return long{files->IsNewVersionAvailable(path)}; }, false},
-        {"GetCheckOutStatus", [&] { return files->GetCheckOutStatus(&a.locks, true); }, S_OK},
-        {"GetDocumentConsistencyStamp",
-         [&] { return files->GetDocumentConsistencyStamp(&a.stamps); }, S_OK},
-        {"IsFileSynchronized", [&] { return long{files->IsFileSynchronized(path)}; }, true},
-        {"GetFilePath", [&] { return files->GetFilePath(&a.uids); }, S_OK},
-        {"GetContextInformation", [&] { return files->GetContextInformation(paths, &a.contexts); },
-         S_OK},
-        {"GetAvailableContainers",
-         [&] { return files->GetAvailableContainers(&a.containers, &a.containerStatus); }, S_OK},
-        {"AddProjectToSync", [&] { return files->AddProjectToSync(L"urn:p", &a.containerStatus); },
-         S_OK},
-        {"GetFileAccessPermissions",
-         [&] { return files->GetFileAccessPermissions(paths, &a.permissions); }, S_OK},
-        // Without a folder or file type: the session is tested before the arguments.
-        {"GenerateItemIDAndRevision",
-         [&] { return files->GenerateItemIDAndRevision(L"", L"", a.count, &a.ids); }, S_OK},
-        {"GenerateNextRevisionID", [&] { return files->GenerateNextRevisionID(path, &a.revision); },
-         S_OK},
-        {"SetDataObject", [&] { return files->SetDataObject(L"k", L"d"); }, S_OK},
-        {"GetDesignRevisions", [&] { return files->GetDesignRevisions(L"a", &a.names); }, S_OK},
-        {"AddChildren", [&] { return files->AddChildren(path, paths); }, S_OK},
-        {"RemoveChildren", [&] { return files->RemoveChildren(path, paths); }, S_OK},
-        {"GetChildren", [&] { return files->GetChildren(path, &a.relations); }, S_OK},
-        {"GetCorvaneWUResults",
-         [&] { return files->GetCorvaneWUResults(paths, &a.relations, false); }, S_OK},
-    };
-    for (const auto& method : methods) {
-        SCOPED_TRACE(method.method);
-        EXPECT_EQ(method.notConnected, method.call());
-        // GetStatusInformation stops at its own test, before the two slots it would ask.
-        EXPECT_EQ((Lines{{0, NotValidLine}}), Take());
-    }
-    EXPECT_TRUE(connector.executeRequests.empty());
-    // Nothing of the caller's was touched.
+// What each method that tests the session answers before there is one. GetProperties, the two
+// inert ones and LogErrors test none; their groups cover them.
+const std::map<std::string, std::string> NotConnected = {{"CheckIn", "E_FAIL"},
+                                                         {"CheckOut", "E_FAIL"},
+                                                         {"IsValidCorvaneFile(list)", "E_FAIL"},
+                                                         {"IsValidCorvaneFile(path)", "false"},
+                                                         {"GetStatusInformation", "E_FAIL"},
+                                                         {"IsNewRevisionAvailable", "false"},
+                                                         {"IsNewVersionAvailable", "false"},
+                                                         {"GetCheckOutStatus", "S_OK"},
+                                                         {"GetDocumentConsistencyStamp", "S_OK"},
+                                                         {"IsFileSynchronized", "true"},
+                                                         {"GetFilePath", "S_OK"},
+                                                         {"GetContextInformation", "S_OK"},
+                                                         {"GetAvailableContainers", "S_OK"},
+                                                         {"AddProjectToSync", "S_OK"},
+                                                         {"GetFileAccessPermissions", "S_OK"},
+                                                         {"GenerateItemIDAndRevision", "S_OK"},
+                                                         {"GenerateNextRevisionID", "S_OK"},
+                                                         {"SetDataObject", "S_OK"},
+                                                         {"GetDesignRevisions", "S_OK"},
+                                                         {"AddChildren", "S_OK"},
+                                                         {"RemoveChildren", "S_OK"},
+                                                         {"GetChildren", "S_OK"},
+                                                         {"GetCorvaneWUResults", "S_OK"}};
+
+// Before any session a method sends nothing, gives its own result and leaves the caller's data
+// as it was (GetStatusInformation stops at its own test, before the two slots it would ask).
+void ExpectNotConnected(const std::string& result, const MethodRun& bare) {
+    EXPECT_EQ(result, bare.result);
+    EXPECT_TRUE(bare.calls.empty());
+    EXPECT_EQ(std::vector<std::wstring>{NotValidLine}, bare.errors);
+    const testsupport::SlotArguments& a = bare.args;
     EXPECT_EQ(5, a.checkIns[0].errorCode);
     EXPECT_FALSE(a.locks.begin()->second.isCheckedOut);
     EXPECT_TRUE(a.monitored.empty() && a.contexts.empty() && a.containers.empty() &&
@@ -87,6 +60,32 @@ TEST_F(FrameTest, BeforeRegistrationEachMethodSendsNothingAndGivesItsOwnResult) 
     EXPECT_EQ(9, a.containerStatus);
     EXPECT_EQ(L"A", a.revision.wstr());
     EXPECT_TRUE(a.uids.begin()->second.IsEmpty());
+}
+
+// Every slot of the file-services interface, in order. With a session: the commands it sends
+// (through the slots it calls, where it works through others); none for the inert ones. Before
+// any session: it reaches the method of its name, which opens its scope record (all but
+// IsFileSynchronized and LogErrors) and closes it before returning, and gives its not-connected
+// result.
+TEST(FileServicesSlots, EachSlotSendsTheCommandsOfItsMethodWithinItsScope) {
+    for (const Method& method : FileServiceMethods()) {
+        SCOPED_TRACE(method.name);
+        CleanRun(method);
+        Method unregistered = method;
+        unregistered.prepare = [](Rig&) {};
+        const auto bare = RunMethod(unregistered, [](Corvane::FakeConnector&) {});
+        const std::string name = method.name.substr(0, method.name.find('('));
+        std::vector<std::wstring> expected;
+        if (name != "IsFileSynchronized" && name != "LogErrors") {
+            expected.push_back(L"VANTOManager::VANTOFileServices::" + GUserText(name).wstr());
+        }
+        EXPECT_EQ(expected, bare.scopes);
+        EXPECT_EQ(static_cast<std::ptrdiff_t>(expected.size()), bare.closed);
+        if (const auto notConnected = NotConnected.find(method.name);
+            notConnected != NotConnected.end()) {
+            ExpectNotConnected(notConnected->second, bare);
+        }
+    }
 }
 
 TEST_F(FrameTest, EveryKindOfExceptionBecomesTheGuardsLineAndTheFailureResult) {
