@@ -1,5 +1,6 @@
 // Versions and revisions through the real file-services interface: the newer-version check
-// against the document's stamp, the design-revision query, and the entry points that stay inert.
+// against the document's stamp and the design-revision query. The inert entry points are walked
+// with every slot (CallFrameTest).
 #include "fileservices/SharedPaths.h"
 
 namespace {
@@ -28,26 +29,11 @@ protected:
 
 constexpr const wchar_t* NoErrorsFound = L"\nNo Errors Found!\n";
 
-TEST_F(VersionsRevisions, InertEntryPointsNeitherTestTheSessionNorSendAnything) {
-    EXPECT_FALSE(files->IsNewRevisionAvailable(L"/w/part.par"));
-    EXPECT_EQ(S_OK, files->DownloadLatestVersion(L"/w/part.par"));
-    EXPECT_EQ(S_OK, files->AttachDocumentToRevision({{L"/w/part.par", L"B"}}));
-    EXPECT_EQ(Lines{}, Take());
-
-    Unregister();
-    EXPECT_EQ(S_OK, files->DownloadLatestVersion(L"/w/part.par"));
-    EXPECT_EQ(S_OK, files->AttachDocumentToRevision({{L"/w/part.par", L"B"}}));
-    EXPECT_EQ(Lines{}, Take());
-    // The revision check does test it, and answers false either way.
-    EXPECT_FALSE(files->IsNewRevisionAvailable(L"/w/part.par"));
-    EXPECT_EQ((Lines{{0, testsupport::NotValidLine}}), Take());
-    EXPECT_TRUE(connector.executeRequests.empty());
-}
-
 TEST_F(VersionsRevisions, IsNewVersionAvailableAsksWithThePathAndComparesWithTheStamp) {
     StampDocument("DOC-1", "stamp-7");
     AnswerNewer(R"({"Key":"doc-1","Value":"stamp-8"})");
     EXPECT_TRUE(IsNewer());
+    EXPECT_FALSE(files->IsNewRevisionAvailable(L"/w/part.par")); // whatever the cloud holds
     // The stamp comes first, through the properties of the path, then the question itself.
     EXPECT_EQ((testsupport::Texts{"GETPROPERTIES", "CHECKFORNEWERVERSION"}),
               connector.CommandsSent());

@@ -356,37 +356,30 @@ TEST_F(SessionService, WaitPollsEveryHundredMillisecondsUntilPastTheTimeoutOrLon
               Take().back());
     EXPECT_TRUE(connector.registerRequests.empty());
 
-    // Strictly greater: at 200 ms of 200 it waits once more.
-    sleeps.clear();
-    EXPECT_FALSE(Start(200));
-    EXPECT_EQ(3u, sleeps.size());
-
-    // The callback extends the wait: two polls past a zero time-out, then it gives up.
-    callbackCalls = 0;
-    extendFor = 2;
-    sleeps.clear();
-    EXPECT_FALSE(Start(0, ExtendSomeTimes));
-    EXPECT_TRUE(timedOut);
-    EXPECT_EQ(3, callbackCalls);
-    EXPECT_EQ(2u, sleeps.size());
-
-    // Extended for as long as it takes.
-    callbackCalls = 0;
-    extendFor = 1000;
-    connector.readyPolls = 0;
-    connector.readyAfterPolls = 5;
-    sleeps.clear();
-    EXPECT_TRUE(Start(0, ExtendSomeTimes));
-    EXPECT_FALSE(timedOut);
-    EXPECT_EQ(5, callbackCalls);
-    EXPECT_EQ(5u, sleeps.size());
-
-    // Ready at once: the callback is never asked.
-    callbackCalls = 0;
-    connector.readyAfterPolls = 0;
-    connector.readyPolls = 0;
-    EXPECT_TRUE(Start(0, ExtendSomeTimes));
-    EXPECT_EQ(0, callbackCalls);
+    // Strictly greater: at 200 ms of 200 it waits once more. A callback extends the wait for as
+    // long as it asks (giving up at the time-out after that), and is not asked when the connector
+    // is ready at once.
+    const struct {
+        int timeoutMs, readyAfterPolls, extendFor; // extendFor < 0: no callback
+        bool started;
+        std::size_t sleeps;
+        int callbackCalls;
+    } cases[] = {{200, -1, -1, false, 3, 0},
+                 {0, -1, 2, false, 2, 3},
+                 {0, 5, 1000, true, 5, 5},
+                 {0, 0, 1000, true, 0, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.timeoutMs + c.readyAfterPolls + c.extendFor);
+        callbackCalls = 0;
+        extendFor = c.extendFor;
+        connector.readyPolls = 0;
+        connector.readyAfterPolls = c.readyAfterPolls;
+        sleeps.clear();
+        EXPECT_EQ(c.started, Start(c.timeoutMs, c.extendFor < 0 ? nullptr : ExtendSomeTimes));
+        EXPECT_EQ(!c.started, timedOut);
+        EXPECT_EQ(c.sleeps, sleeps.size());
+        EXPECT_EQ(c.callbackCalls, callbackCalls);
+    }
 }
 
 TEST_F(SessionService, DeregisteringFailsThenSendsOnceThenHasNothingToDo) {
