@@ -44,21 +44,6 @@ TEST(DllGetClassObject, ChecksPointerThenInterfaceThenClass) {
               Reports(log));
 }
 
-TEST(DllGetClassObject, HandsOutAFreshFactoryWithOneReference) {
-    CapturingLogSink log;
-    IClassFactory* first = testsupport::NewClassFactory();
-    IUnknown* second = nullptr;
-    ASSERT_EQ(S_OK, DllGetClassObject(CLSID_VANTOManager, IID_IUnknown,
-                                      reinterpret_cast<void**>(&second)));
-    EXPECT_NE(static_cast<IUnknown*>(first), second);
-    EXPECT_EQ(1u, testsupport::RefCount(first));
-    EXPECT_EQ(2u, first->AddRef());
-    EXPECT_EQ(1u, first->Release());
-    EXPECT_EQ(0u, first->Release());
-    EXPECT_EQ(0u, second->Release());
-    EXPECT_TRUE(Reports(log).empty());
-}
-
 TEST(ClassFactory, CreatesManagersForEachInterfaceAndIsNoneOfThem) {
     IClassFactory* factory = testsupport::NewClassFactory();
     for (const IID* iid : {&IID_IUnknown, &IID_IVANTOSession, &IID_IVANTOFileServices,

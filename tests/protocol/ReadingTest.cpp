@@ -218,25 +218,6 @@ TEST(BadInput, FiftyMegabyteStringsAreReadOrPassedOver) {
               Folders(R"({")" + std::string(100000, 'R') + R"(":["/z"],"RootFolders":["/a"]})"));
 }
 
-TEST(BadInput, WrongKindsEverywhereGiveDefaults) {
-    std::string text = R"({"Errors":"x","DesignRevisionInfo":[1,"a",null,)";
-    text += R"({"DesignRevision":{"Id":"r"},"ContextInformation":["c"]},)";
-    text += R"({"DesignRevision":[{"Id":7,"Datasets":{"x":1},"LockInfo":[],"Properties":[7]}]}]})";
-    CorvaneQueryDesignRevisionsOutput output(R"({"Errors":[{"ErrorCode":1}]})");
-    EXPECT_NO_THROW(vanto::protocol::FromJson(output, text));
-    EXPECT_EQ(1U, output.Errors.size());
-    ASSERT_EQ(5U, output.DesignRevisionInfo.size());
-    EXPECT_TRUE(output.DesignRevisionInfo[3]->DesignRevision.empty());
-    EXPECT_EQ(nullptr, output.DesignRevisionInfo[3]->ContextInformation);
-    ASSERT_EQ(1U, output.DesignRevisionInfo[4]->DesignRevision.size());
-    const auto& revision = *output.DesignRevisionInfo[4]->DesignRevision[0];
-    EXPECT_EQ("", revision.Id);
-    EXPECT_TRUE(revision.Datasets.empty());
-    EXPECT_EQ(nullptr, revision.LockInfo);
-    ASSERT_EQ(1U, revision.Properties.size());
-    EXPECT_EQ("", revision.Properties[0]->Name);
-}
-
 // A deeply nested answer, cut at every byte: each half-built record is released.
 TEST(BadInput, NothingIsLeftBehindWhateverTheTextIs) {
     const std::string answer =

@@ -130,9 +130,8 @@ TEST_F(EmulatorHandler, LocksFollowTheHolder) {
 
     EXPECT_EQ(std::vector<std::int32_t>{8}, Codes(Lock({Workspace_ + "/Gearbox/none.par"})));
     EXPECT_EQ(std::vector<std::int32_t>{12}, Codes(Lock({Cover})));
-}
 
-TEST_F(EmulatorHandler, ExpiredLocksAreFreeAndTimeToLiveSetsAnExpiry) {
+    // An expired lock is free; a time to live sets an expiry.
     const auto housing = store.FindDocument(Housing);
     store.SetLock(housing->key, housing->lockUser, 0); // expires now
     EXPECT_TRUE(Lock({Housing}).Errors.empty());
