@@ -5,7 +5,6 @@
 
 namespace {
 
-using testsupport::ExceptionLine;
 using testsupport::FileServicesTest;
 using testsupport::Lines;
 using testsupport::Texts;
@@ -113,17 +112,6 @@ TEST_F(CheckOutCheckIn, CheckOutWithNothingToLockSendsNoLockCommand) {
                         L"checked out to other user : bob"}}),
               Take());
     EXPECT_EQ(L"bob", held.at(L"/w/a.par").checkedOutBy.wstr());
-}
-
-TEST_F(CheckOutCheckIn, CheckOutKeepsWhatWasMarkedWhenTheCallThrows) {
-    for (const auto& [failure, line] : ExceptionKinds()) {
-        connector.ClearFailures();
-        connector.Fail(Op::Execute, failure, "connector gone", "LOCKDESIGNREVISIONS");
-        FileLockStatusMap map{{L"/w/a.par", {}}};
-        EXPECT_EQ(E_FAIL, files->CheckOut(&map));
-        EXPECT_EQ(Then(UserLines(), {{2, L"File Name : /w/a.par"}, line}), Take());
-        EXPECT_FALSE(map.at(L"/w/a.par").isCheckedOut);
-    }
 }
 
 TEST_F(CheckOutCheckIn, CheckInSendsEveryEntryAndUpdatesTheFirstOfEachName) {

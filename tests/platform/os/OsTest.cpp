@@ -138,18 +138,6 @@ TEST(ProcessInfo, StartTimeIsThisProcesssLocalStart) {
     EXPECT_GT(start, now - 3600);
 }
 
-TEST(ProcessInfo, ProductPathDefaultsToTheExecutablesFolder) {
-    const std::wstring folder = platform::os::ExecutableDirectory();
-    ASSERT_FALSE(folder.empty());
-    EXPECT_TRUE(platform::os::DirectoryExists(folder));
-
-    HostTesting::SetProductPath(GUserText(L"/opt/arbo"));
-    GUserText path;
-    HostTesting::UseDefaultProductPath();
-    GetHostProductPath(0, path);
-    EXPECT_EQ(folder, path.wstr());
-}
-
 // Runs on the binary's scratch store and leaves it empty.
 class UserValues : public ::testing::Test {
 protected:
