@@ -1,5 +1,5 @@
 // The emulator killed in the middle of a series of check-outs keeps every lock it answered as
-// taken, and its database stays consistent.
+// taken and the session that took them, and its database stays consistent.
 #include "Store.h"
 
 #include "connector/ConnectorLink.h"
@@ -35,6 +35,7 @@ TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
     const Corvane::Endpoint endpoint = emulator.Endpoint();
 
     std::vector<std::string> taken;
+    std::string sessionId;
     std::atomic<bool> started{false};
     std::thread client([&] {
         Corvane::ConnectorLink link(std::chrono::seconds(5));
@@ -42,6 +43,7 @@ TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
             Core::Registration::RegisterClientInput registration;
             const Core::Registration::RegisterClientOutput session(
                 link.Call(endpoint, "register", registration.ToJson().str()));
+            sessionId = session.SessionId.str();
             for (const std::string& part : parts) {
                 CorvaneLockDesignRevisionsInput in;
                 in.SessionId = session.SessionId;
@@ -75,6 +77,12 @@ TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
     for (const std::string& part : taken) {
         EXPECT_NE(std::string::npos, locks.find("\"" + part + "\"")) << part;
     }
+    // The session of before the kill is still known.
+    Corvane::ConnectorLink link(std::chrono::seconds(5));
+    const Corvane::CommandIO::CommandOutputBase status(
+        link.Call(emulator.Endpoint(), "execute",
+                  R"({"Command":"GETCONNECTIONSTATUS","SessionId":")" + sessionId + "\"}"));
+    EXPECT_TRUE(status.Errors.empty());
     emulator.Stop();
     corvane::emulator::Store store((fs::path(emulator.DataFolder()) / "corvane.db").string());
     EXPECT_EQ("ok", store.Db().QueryText("PRAGMA integrity_check").value_or(""));

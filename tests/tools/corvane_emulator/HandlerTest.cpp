@@ -37,10 +37,7 @@ std::vector<std::int32_t> Codes(const CommandOutputBase& out) {
 
 class EmulatorHandler : public ::testing::Test {
 protected:
-    explicit EmulatorHandler(const std::string& database = ":memory:")
-        : store(database), handler(store, Options()) {
-        session = Register();
-    }
+    EmulatorHandler() : store(":memory:"), handler(store, Options()) { session = Register(); }
     static HandlerOptions Options() {
         HandlerOptions options;
         options.workspace.folder = Workspace_;
@@ -369,47 +366,6 @@ TEST_F(EmulatorHandler, HostileBodiesGetErrorsAndChangeNothing) {
         }
     }
     EXPECT_EQ(before, Control(R"({"Action":"documents"})"));
-}
-
-class EmulatorHandlerOnDisk : public EmulatorHandler {
-protected:
-    static std::string Folder() {
-        static const std::string folder = [] {
-            const auto path = std::filesystem::temp_directory_path() /
-                              ("vanto-handler-" +
-                               std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                               "-" + std::to_string(reinterpret_cast<std::uintptr_t>(&Folder)));
-            std::filesystem::remove_all(path);
-            std::filesystem::create_directories(path);
-            return path.string();
-        }();
-        return folder;
-    }
-    EmulatorHandlerOnDisk() : EmulatorHandler(Folder() + "/corvane.db") {}
-    ~EmulatorHandlerOnDisk() override { std::filesystem::remove_all(Folder()); }
-};
-
-TEST_F(EmulatorHandlerOnDisk, ARestartKeepsLocksSessionsAndCounters) {
-    ASSERT_TRUE(Lock({Shaft}).Errors.empty());
-    const std::string keptSession = session;
-    {
-        Store again(Folder() + "/corvane.db");
-        Handler reopened(again, Options());
-        CorvaneGetPropertiesInput in;
-        in.SessionId = keptSession;
-        in.FilePathToObjectTypesArray.emplace_back(new CorvaneStringToObjectTypesPair());
-        in.FilePathToObjectTypesArray.back()->Key = Shaft;
-        in.FilePathToObjectTypesArray.back()->ObjectTypeList.push_back(1);
-        const CorvaneGetPropertiesOutput out(reopened.Handle("execute", in.ToJson().str()).text);
-        ASSERT_TRUE(out.Errors.empty());
-        EXPECT_EQ("Ada Byrne", out.FilePropertiesArray[0]
-                                   ->ObjectTypeToPropertiesArray[0]
-                                   ->Properties[0]
-                                   ->PropertyValues[0]
-                                   .str());
-        // Nothing imported twice.
-        EXPECT_EQ(8, again.Db().QueryInt("SELECT COUNT(*) FROM documents"));
-    }
 }
 
 TEST(EmulatorStore, RefusesADatabaseOfAnotherSchemaVersion) {
