@@ -133,8 +133,15 @@ std::vector<std::wstring> TextsOf(const std::vector<LogRecord>& records, Keep ke
 
 } // namespace
 
-std::vector<std::wstring> CapturingLogSink::Messages() const {
-    return TextsOf(records, [](const LogRecord& r) { return r.kind == LogRecord::Kind::Message; });
+std::vector<std::pair<int, std::wstring>> CapturingLogSink::TakeMessages() {
+    std::vector<std::pair<int, std::wstring>> messages;
+    for (const LogRecord& record : records) {
+        if (record.kind == LogRecord::Kind::Message) {
+            messages.emplace_back(record.severity, record.message);
+        }
+    }
+    records.clear();
+    return messages;
 }
 
 std::vector<std::wstring> CapturingLogSink::Messages(int severity) const {

@@ -7,6 +7,7 @@
 #include "host/GUserText.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 struct LogRecord {
@@ -61,8 +62,8 @@ public:
 
     void Write(const LogRecord& record) override { records.push_back(record); }
     void Clear() { records.clear(); }
-    // Message texts written through PDMWriteLog, in order.
-    std::vector<std::wstring> Messages() const;
+    // Messages written through PDMWriteLog as (severity, text), in order; the records are cleared.
+    std::vector<std::pair<int, std::wstring>> TakeMessages();
     // Messages of one severity, in order.
     std::vector<std::wstring> Messages(int severity) const;
     // Tags of the scope records opened, in order.

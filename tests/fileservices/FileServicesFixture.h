@@ -62,17 +62,7 @@ protected:
     // As before any registration: no session id.
     void Unregister() { vanto::Session().sessionId.clear(); }
 
-    // Free-text lines as (severity, text), in order; the log is cleared.
-    Lines Take() {
-        Lines lines;
-        for (const LogRecord& record : log.records) {
-            if (record.kind == LogRecord::Kind::Message) {
-                lines.emplace_back(record.severity, record.message);
-            }
-        }
-        log.Clear();
-        return lines;
-    }
+    Lines Take() { return log.TakeMessages(); }
 
     // The one request sent for `command`.
     std::string Sent(const std::string& command) const {

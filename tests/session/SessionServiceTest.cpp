@@ -80,17 +80,7 @@ protected:
         vanto::ResetSessionStateForTesting();
     }
 
-    // Free-text messages as (severity, text), in order; the log is cleared.
-    Lines Take() {
-        Lines lines;
-        for (const LogRecord& record : log.records) {
-            if (record.kind == LogRecord::Kind::Message) {
-                lines.emplace_back(record.severity, record.message);
-            }
-        }
-        log.Clear();
-        return lines;
-    }
+    Lines Take() { return log.TakeMessages(); }
     Line RegisterInputLine(std::size_t index = 0) const {
         const std::string& sent = connector.registerRequests.at(index);
         return {2, L"Corvane register input : " + GUserText(std::string_view(sent)).wstr() + L" "};
