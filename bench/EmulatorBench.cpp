@@ -59,7 +59,8 @@ public:
             arguments.emplace_back(L"--memory");
         }
         pid_ = platform::os::LaunchDetached(platform::os::Utf8ToWide(VANTO_EMULATOR_PROGRAM),
-                                            arguments);
+                                            arguments)
+                   .pid;
         for (int waited = 0; !fs::exists(data_ / "endpoint.json"); waited += 10) {
             if (pid_ == 0 || waited > 60000) {
                 throw std::runtime_error("the emulator did not start");

@@ -122,11 +122,13 @@ void EmulatorConnector::LaunchApplication(const Core::TevString& arguments) {
     if (!platform::os::IsExecutableFile(program)) {
         throw CorvaneCommunicationException("Corvane connector is not installed");
     }
-    std::vector<std::wstring> words{L"serve", L"--data", DataFolder()};
+    // Under Wine the emulator is a Linux program, which knows its data folder by the Unix name.
+    std::vector<std::wstring> words{L"serve", L"--data",
+                                    platform::os::PathForProgram(program, DataFolder())};
     if (!arguments.empty()) {
         words.push_back(platform::os::Utf8ToWide(arguments.str()));
     }
-    if (platform::os::LaunchDetached(program, words) == 0) {
+    if (!platform::os::LaunchDetached(program, words).started) {
         throw CorvaneCommunicationException("Corvane connector could not be started: " +
                                             platform::os::WideToUtf8(program));
     }

@@ -22,11 +22,25 @@ std::wstring ModuleDirectory();
 // Whether a regular file exists at `path` that this user may run.
 bool IsExecutableFile(const std::wstring& path);
 
+// What a detached launch gives back. Wine starts a Unix program without a Windows process: it is
+// started, but has no id (0) to wait on or end.
+struct LaunchedProgram {
+    bool started = false;
+    unsigned long pid = 0;
+};
+
 // Starts `program` with `arguments`, detached from this process (its own session, no console,
-// standard streams on the null device), and does not wait for it. Returns its process id, 0 when
-// it could not be started.
-unsigned long LaunchDetached(const std::wstring& program,
-                             const std::vector<std::wstring>& arguments);
+// standard streams on the null device), and does not wait for it.
+LaunchedProgram LaunchDetached(const std::wstring& program,
+                               const std::vector<std::wstring>& arguments);
+
+// `path` as `program` names the file. A Unix program started by Wine knows files by their Unix
+// names; any other program by the name given. Empty when Wine has no Unix name for it.
+std::wstring PathForProgram(const std::wstring& program, const std::wstring& path);
+
+// The file at the Unix path `unixPath` as this process names it: unchanged on POSIX, its DOS name
+// under Wine, empty on Windows itself.
+std::wstring PathFromUnix(const std::string& unixPath);
 
 // Ends the process at once (SIGKILL, TerminateProcess) and reaps it; false when it could not.
 bool KillProcess(unsigned long pid);

@@ -57,8 +57,8 @@ bool IsExecutableFile(const std::wstring& path) {
            ::access(file.c_str(), X_OK) == 0;
 }
 
-unsigned long LaunchDetached(const std::wstring& program,
-                             const std::vector<std::wstring>& arguments) {
+LaunchedProgram LaunchDetached(const std::wstring& program,
+                               const std::vector<std::wstring>& arguments) {
     std::vector<std::string> texts{WideToUtf8(program)};
     for (const std::wstring& argument : arguments) {
         texts.push_back(WideToUtf8(argument));
@@ -87,7 +87,18 @@ unsigned long LaunchDetached(const std::wstring& program,
         posix_spawn(&child, texts[0].c_str(), &actions, &attributes, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
-    return result == 0 ? static_cast<unsigned long>(child) : 0;
+    if (result != 0) {
+        return {};
+    }
+    return {true, static_cast<unsigned long>(child)};
+}
+
+std::wstring PathForProgram(const std::wstring& /*program*/, const std::wstring& path) {
+    return path;
+}
+
+std::wstring PathFromUnix(const std::string& unixPath) {
+    return Utf8ToWide(unixPath);
 }
 
 bool KillProcess(unsigned long pid) {

@@ -3,6 +3,10 @@
 #include "os/Process.h"
 
 #include "os/CommandLine_win32.h"
+#include "os/TextConversion.h"
+
+#include <cstdio>
+#include <vector>
 
 #include <windows.h>
 
@@ -50,20 +54,90 @@ bool IsExecutableFile(const std::wstring& path) {
            (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-unsigned long LaunchDetached(const std::wstring& program,
-                             const std::vector<std::wstring>& arguments) {
+LaunchedProgram LaunchDetached(const std::wstring& program,
+                               const std::vector<std::wstring>& arguments) {
     std::wstring commandLine = CommandLine(program, arguments);
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (!::CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE,
-                          DETACHED_PROCESS | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup,
-                          &process)) {
-        return 0;
+    // Its standard streams on the null device: the only handle it inherits, so that it holds
+    // none of this process's open (a pipe it held would keep a reader of ours waiting).
+    SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    HANDLE nul = ::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, 0, &inheritable, OPEN_EXISTING,
+                               0, nullptr);
+    if (nul == INVALID_HANDLE_VALUE) {
+        return {};
     }
-    ::CloseHandle(process.hThread);
-    ::CloseHandle(process.hProcess);
-    return process.dwProcessId;
+    SIZE_T size = 0;
+    ::InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+    std::vector<char> attributes(size);
+    STARTUPINFOEXW startup{};
+    startup.StartupInfo.cb = sizeof startup;
+    startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+    startup.StartupInfo.hStdInput = startup.StartupInfo.hStdOutput = startup.StartupInfo.hStdError =
+        nul;
+    startup.lpAttributeList = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(attributes.data());
+    const bool listed =
+        ::InitializeProcThreadAttributeList(startup.lpAttributeList, 1, 0, &size) &&
+        ::UpdateProcThreadAttribute(startup.lpAttributeList, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST,
+                                    &nul, sizeof nul, nullptr, nullptr);
+    PROCESS_INFORMATION process{};
+    const bool started =
+        listed &&
+        ::CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
+                         DETACHED_PROCESS | CREATE_NEW_PROCESS_GROUP | EXTENDED_STARTUPINFO_PRESENT,
+                         nullptr, nullptr, &startup.StartupInfo, &process);
+    if (listed) {
+        ::DeleteProcThreadAttributeList(startup.lpAttributeList);
+    }
+    ::CloseHandle(nul);
+    if (process.hThread != nullptr) {
+        ::CloseHandle(process.hThread);
+    }
+    if (process.hProcess != nullptr) {
+        ::CloseHandle(process.hProcess);
+    }
+    return {started, started ? process.dwProcessId : 0};
+}
+
+namespace {
+
+// Wine's own functions between Windows and Unix file names; absent on Windows itself.
+template <class Function> Function WineFunction(const char* name) {
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+// Whether the file is no Windows program (which begin with "MZ"): under Wine, a Unix one.
+bool IsUnixProgram(const std::wstring& program) {
+    std::FILE* file = ::_wfopen(program.c_str(), L"rb");
+    if (file == nullptr) {
+        return false;
+    }
+    char magic[2] = {};
+    const bool windows = std::fread(magic, 1, 2, file) == 2 && magic[0] == 'M' && magic[1] == 'Z';
+    std::fclose(file);
+    return !windows;
+}
+
+} // namespace
+
+std::wstring PathForProgram(const std::wstring& program, const std::wstring& path) {
+    using ToUnix = char*(CDECL*)(LPCWSTR);
+    const auto toUnix = WineFunction<ToUnix>("wine_get_unix_file_name");
+    if (toUnix == nullptr || !IsUnixProgram(program)) {
+        return path;
+    }
+    char* name = toUnix(path.c_str());
+    const std::wstring unixName = name != nullptr ? Utf8ToWide(name) : std::wstring();
+    ::HeapFree(::GetProcessHeap(), 0, name);
+    return unixName;
+}
+
+std::wstring PathFromUnix(const std::string& unixPath) {
+    using ToDos = WCHAR*(CDECL*)(LPCSTR);
+    const auto toDos = WineFunction<ToDos>("wine_get_dos_file_name");
+    WCHAR* name = toDos != nullptr ? toDos(unixPath.c_str()) : nullptr;
+    const std::wstring dosName = name != nullptr ? name : L"";
+    ::HeapFree(::GetProcessHeap(), 0, name);
+    return dosName;
 }
 
 bool KillProcess(unsigned long pid) {

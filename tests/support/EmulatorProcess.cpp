@@ -10,10 +10,6 @@
 #include <thread>
 #include <vector>
 
-#ifdef _WIN32
-#include <windows.h>
-#endif
-
 namespace testsupport {
 
 namespace {
@@ -54,83 +50,17 @@ void RemoveTree(const fs::path& folder) {
     fs::remove(folder, ignored);
 }
 
-#ifdef _WIN32
-// Wine's own functions between Windows and Unix file names; absent on Windows itself.
-template <class Function> Function WineFunction(const char* name) {
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), name)));
-}
-
-std::wstring UnixName(const std::wstring& windowsPath) {
-    using ToUnix = char*(CDECL*)(LPCWSTR);
-    const auto toUnix = WineFunction<ToUnix>("wine_get_unix_file_name");
-    char* name = toUnix != nullptr ? toUnix(windowsPath.c_str()) : nullptr;
-    const std::wstring result = name != nullptr ? platform::os::Utf8ToWide(name) : std::wstring();
-    ::HeapFree(::GetProcessHeap(), 0, name);
-    return result;
-}
-
-std::wstring DosName(const std::string& unixPath) {
-    using ToDos = WCHAR*(CDECL*)(LPCSTR);
-    const auto toDos = WineFunction<ToDos>("wine_get_dos_file_name");
-    WCHAR* name = toDos != nullptr ? toDos(unixPath.c_str()) : nullptr;
-    const std::wstring result = name != nullptr ? name : L"";
-    ::HeapFree(::GetProcessHeap(), 0, name);
-    return result;
-}
-
-// Wine starts a Unix program (fork and exec) but gives it no Windows process: no id to wait on.
-bool LaunchUnixProgram(const std::wstring& program, const std::vector<std::wstring>& arguments) {
-    std::wstring commandLine = L"\"" + program + L"\"";
-    for (const std::wstring& argument : arguments) {
-        commandLine += L" \"" + argument + L"\"";
-    }
-    SECURITY_ATTRIBUTES inherit{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    // Its standard streams on the null device, so that it holds no pipe of ctest's open.
-    HANDLE nul =
-        ::CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, 0, &inherit, OPEN_EXISTING, 0, nullptr);
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = startup.hStdOutput = startup.hStdError = nul;
-    PROCESS_INFORMATION process{};
-    const bool started =
-        ::CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                         DETACHED_PROCESS, nullptr, nullptr, &startup, &process) != 0;
-    ::CloseHandle(nul);
-    if (process.hThread != nullptr) {
-        ::CloseHandle(process.hThread);
-    }
-    if (process.hProcess != nullptr) {
-        ::CloseHandle(process.hProcess);
-    }
-    return started;
-}
-#endif
-
 std::wstring Program() {
-#ifdef _WIN32
-    return *ProgramPath == '\0' ? std::wstring() : DosName(ProgramPath);
-#else
-    return platform::os::Utf8ToWide(ProgramPath);
-#endif
+    return *ProgramPath == '\0' ? std::wstring() : platform::os::PathFromUnix(ProgramPath);
 }
 
 // The name the emulator (a Linux program) knows a file by.
 std::wstring ForEmulator(const std::wstring& path) {
-#ifdef _WIN32
-    return UnixName(path);
-#else
-    return path;
-#endif
+    return platform::os::PathForProgram(Program(), path);
 }
 
 std::wstring ExampleWorkspace() {
-#ifdef _WIN32
-    return DosName(VANTO_EXAMPLES_DIR "/workspace");
-#else
-    return platform::os::Utf8ToWide(VANTO_EXAMPLES_DIR "/workspace");
-#endif
+    return platform::os::PathFromUnix(VANTO_EXAMPLES_DIR "/workspace");
 }
 
 } // namespace
@@ -189,9 +119,10 @@ void EmulatorProcess::Start() {
     fs::remove(endpoint, ignored);
     std::vector<std::wstring> arguments{L"serve", L"--data", ForEmulator(data_), L"--workspace",
                                         ForEmulator(workspace_)};
-#ifdef _WIN32
-    arguments.insert(arguments.end(), {L"--client-root", workspace_});
-#endif
+    if (ForEmulator(workspace_) != workspace_) {
+        // The component names the documents as it sees them.
+        arguments.insert(arguments.end(), {L"--client-root", workspace_});
+    }
     if (!options_.user.empty()) {
         arguments.insert(arguments.end(), {L"--user", options_.user});
     }
@@ -200,12 +131,10 @@ void EmulatorProcess::Start() {
                          {L"--cloud", ForEmulator(options_.cloudOf->data_) + L"/corvane.db"});
     }
     arguments.insert(arguments.end(), options_.arguments.begin(), options_.arguments.end());
-#ifdef _WIN32
-    ASSERT_TRUE(LaunchUnixProgram(Program(), arguments));
-#else
-    pid_ = platform::os::LaunchDetached(Program(), arguments);
-    ASSERT_NE(0u, pid_);
-#endif
+    const platform::os::LaunchedProgram launched =
+        platform::os::LaunchDetached(Program(), arguments);
+    ASSERT_TRUE(launched.started);
+    pid_ = launched.pid;
     running_ = true;
     for (int waited = 0; !fs::exists(endpoint); waited += 20) {
         ASSERT_LT(waited, 20000) << "the emulator did not start";
@@ -214,15 +143,10 @@ void EmulatorProcess::Start() {
 }
 
 void EmulatorProcess::Kill() {
-#ifdef _WIN32
-    FAIL() << "under Wine the emulator can only be stopped";
-#else
-    if (pid_ != 0) {
-        EXPECT_TRUE(platform::os::KillProcess(pid_));
-        pid_ = 0;
-        running_ = false;
-    }
-#endif
+    ASSERT_NE(0u, pid_) << "no process to end: Wine gives the Unix program none";
+    EXPECT_TRUE(platform::os::KillProcess(pid_));
+    pid_ = 0;
+    running_ = false;
 }
 
 void EmulatorProcess::Stop() {
@@ -235,18 +159,16 @@ void EmulatorProcess::Stop() {
     } catch (...) {
         // Gone already.
     }
-#ifdef _WIN32
-    // It removes its endpoint file last.
-    const fs::path endpoint = fs::path(data_) / "endpoint.json";
-    for (int waited = 0; fs::exists(endpoint) && waited < 10000; waited += 20) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-#else
-    if (!platform::os::WaitForExit(pid_, 10000)) {
+    if (pid_ == 0) {
+        // No process to wait on: it removes its endpoint file last.
+        const fs::path endpoint = fs::path(data_) / "endpoint.json";
+        for (int waited = 0; fs::exists(endpoint) && waited < 10000; waited += 20) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    } else if (!platform::os::WaitForExit(pid_, 10000)) {
         platform::os::KillProcess(pid_);
     }
     pid_ = 0;
-#endif
 }
 
 Corvane::Endpoint EmulatorProcess::Endpoint() const {

@@ -80,9 +80,6 @@ TEST_F(EmulatorSession, TheDefaultBackendConnectsRegistersAndReadsTheSession) {
 }
 
 TEST_F(EmulatorSession, StartLaunchesTheEmulatorAndWaitsUntilItIsReady) {
-#ifdef _WIN32
-    GTEST_SKIP() << "under Wine the emulator is a Linux program, which takes Unix paths";
-#else
     emulator->Stop();
     EXPECT_FALSE(session->IsCorvaneRunning());
     EXPECT_FALSE(session->IsConnected(true));
@@ -103,7 +100,6 @@ TEST_F(EmulatorSession, StartLaunchesTheEmulatorAndWaitsUntilItIsReady) {
         platform::os::SleepMilliseconds(20);
     }
     EXPECT_FALSE(session->IsCorvaneRunning());
-#endif
 }
 
 TEST_F(EmulatorSession, CheckOutAndCheckInFollowTheLocksOfTheCloud) {
