@@ -24,7 +24,7 @@ constexpr std::int32_t LockWithoutExpiry = -1;
 Core::UniquePtr<CorvaneDesignIdentifier> FileIdentifier(const GUserText& fileName) {
     Core::UniquePtr<CorvaneDesignIdentifier> identifier(new CorvaneDesignIdentifier());
     identifier->Value = ToUtf8(fileName);
-    identifier->IdentifierType = IdentifierTypeFilePath;
+    identifier->IdentifierType = vanto::protocol::IdentifierType::FilePath;
     return identifier;
 }
 
@@ -131,7 +131,7 @@ void MarkLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockStatusMap
 bool ClearRefusedLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockStatusMap& files) {
     bool refused = false;
     for (const auto& error : output.Errors) {
-        if (error->ErrorCode == ReturnCodeObjectLocked) {
+        if (error->ErrorCode == vanto::protocol::ReturnCode::ObjectLocked) {
             continue;
         }
         for (const Core::TevString& id : error->Ids) {
@@ -170,7 +170,7 @@ void ApplyUnlockResults(const CorvaneUnLockDesignRevisionsOutput& output, FileCh
 void ApplyLockedBy(const FilePropertyEntry& file, FileLockStatus& status, const GUserText& user) {
     static const GUserText LockedBy(L"LockedBy");
     for (const ObjectTypeProperties& group : file.objectTypes) {
-        if (group.objectType != ObjectTypeLock) {
+        if (group.objectType != vanto::protocol::ObjectType::Lock) {
             continue;
         }
         for (const PropertyEntry& property : group.properties) {

@@ -25,8 +25,8 @@ constexpr const char* RevisionIdProperty = "revid";
 // A connector that lacks the command is told to the caller through its status.
 void FlagUnsupportedCommand(const CommandOutputBase& output, std::int32_t& status) {
     for (const auto& error : output.Errors) {
-        if (error->ErrorCode == ReturnCodeCommandNotSupported) {
-            status = StatusCommandNotSupported;
+        if (error->ErrorCode == vanto::protocol::ReturnCode::CommandNotSupported) {
+            status = vanto::protocol::CallerStatus::CommandNotSupported;
         }
     }
 }
@@ -175,7 +175,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::GenerateNextRevisionI
         CorvaneGetNextRevisionIdInput input;
         Core::UniquePtr<CorvaneDesignIdentifier> identifier(new CorvaneDesignIdentifier());
         identifier->Value = ToNarrow(designIdentifier);
-        identifier->IdentifierType = IdentifierTypeFilePath;
+        identifier->IdentifierType = vanto::protocol::IdentifierType::FilePath;
         input.DesignRevisionIdentifiers.push_back(std::move(identifier));
         input.Properties.push_back(RevisionIdProperty);
         const auto output = frame.Execute(input);

@@ -22,7 +22,7 @@ using Corvane::DataTypes::CorvaneStringToObjectTypesPair;
 CorvaneGetPropertiesInput DocumentPropertiesRequest(const GUserText& path) {
     Core::UniquePtr<CorvaneStringToObjectTypesPair> pair(new CorvaneStringToObjectTypesPair());
     pair->Key = ToUtf8(path);
-    pair->ObjectTypeList.push_back(ObjectTypeDocument);
+    pair->ObjectTypeList.push_back(vanto::protocol::ObjectType::Document);
     CorvaneGetPropertiesInput input;
     input.FilePathToObjectTypesArray.push_back(std::move(pair));
     return input;
@@ -75,7 +75,7 @@ void ApplyDocumentStamp(const FilePropertyEntry& file, DocumentStamp& stamp) {
     static const GUserText ConsistencyStamp(L"consistencyStamp");
     static const GUserText DocumentId(L"DocumentId");
     for (const ObjectTypeProperties& group : file.objectTypes) {
-        if (group.objectType != ObjectTypeDocument) {
+        if (group.objectType != vanto::protocol::ObjectType::Document) {
             continue;
         }
         for (const PropertyEntry& property : group.properties) {
@@ -161,7 +161,7 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOFileServices::IsFileSynchronized(const
         if (!frame.Failed(properties, L"Error getting file properties.", ErrorCodes::NotReported)) {
             return true;
         }
-        if (properties.Errors.front()->ErrorCode != ReturnCodeObjectNotFoundInModel) {
+        if (properties.Errors.front()->ErrorCode != vanto::protocol::ReturnCode::ObjectNotFoundInModel) {
             return true;
         }
         frame.Warning(L"File is not synchronized.");

@@ -101,12 +101,12 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::AddChildren(const GUs
     return frame.Guard(E_FAIL, [&] {
         Core::UniquePtr<CorvaneAddChildInputInfo> parent(new CorvaneAddChildInputInfo());
         parent->ParentIdentifier = ToNarrow(parentPath);
-        parent->ParentIdentifierType = IdentifierTypeFilePath;
+        parent->ParentIdentifierType = vanto::protocol::IdentifierType::FilePath;
         parent->ChildRevisionInfos.resize(childPaths.size());
         for (std::size_t i = 0; i < childPaths.size(); ++i) {
             parent->ChildRevisionInfos[i].reset(new CorvaneChildRevisionInfo());
             parent->ChildRevisionInfos[i]->Identifier = ToNarrow(childPaths[i]);
-            parent->ChildRevisionInfos[i]->IdentifierType = IdentifierTypeFilePath;
+            parent->ChildRevisionInfos[i]->IdentifierType = vanto::protocol::IdentifierType::FilePath;
         }
         CorvaneAddChildrenInput input;
         input.ParentChildRelationInfos.push_back(std::move(parent));
@@ -149,7 +149,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::GetChildren(const GUs
     return frame.Guard(E_FAIL, [&] {
         CorvaneGetChildrenInput input;
         input.Identifier = ToNarrow(parentPath);
-        input.IdentifierType = IdentifierTypeFilePath;
+        input.IdentifierType = vanto::protocol::IdentifierType::FilePath;
         const auto output = frame.Execute(input);
         if (frame.Failed(output, L"ERROR WHILE GETTING CHILDRENS.", ErrorCodes::NotReported)) {
             return E_FAIL;
@@ -176,7 +176,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::GetCorvaneWUResults(
         for (const GUserText& path : paths) {
             CorvaneQueryPrimaryObjectsInput input;
             input.Identifier = ToNarrow(path);
-            input.IdentifierType = IdentifierTypeFilePath;
+            input.IdentifierType = vanto::protocol::IdentifierType::FilePath;
             input.RelationTypes = relationTypes;
             const auto output = frame.Execute(input);
             if (frame.Failed(output, L"ERROR WHILE GETTING WHERE USED RESULTS.",

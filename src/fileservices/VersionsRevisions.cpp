@@ -18,8 +18,6 @@ using Corvane::DataTypes::Search::CorvaneSearchTerm;
 
 // Values of the design-revision query.
 constexpr const char* NameProperty = "name";
-constexpr std::int32_t ComparisonEquals = 0;
-constexpr std::int32_t SearchAllTerms = 1;
 constexpr std::int32_t RevisionPageSize = 50;
 constexpr const char* ProjectContainer = "PROJECT";
 
@@ -28,9 +26,9 @@ Core::UniquePtr<CorvaneSearchCriteria> NameCriteria(const Core::TevString& name)
     Core::UniquePtr<CorvaneSearchTerm> term(new CorvaneSearchTerm());
     term->Property = NameProperty;
     term->Value = name;
-    term->ComparisionOp = ComparisonEquals;
+    term->ComparisionOp = vanto::protocol::Search::CompareEquals;
     Core::UniquePtr<CorvaneSearchDefinition> definition(new CorvaneSearchDefinition());
-    definition->Operator = SearchAllTerms;
+    definition->Operator = vanto::protocol::Search::AllTerms;
     definition->SearchTerms.push_back(std::move(term));
     Core::UniquePtr<CorvaneSearchCriteria> criteria(new CorvaneSearchCriteria());
     criteria->Definition = std::move(definition);
@@ -99,7 +97,7 @@ VANTOManager::VANTOFileServices::IsNewVersionAvailable(const GUserText& path) {
         frame.Interface().GetDocumentConsistencyStamp(&stamps);
         CorvaneCheckNewerVersionOnCloudInput input;
         input.IdentifierToCheckForNewerVersion.push_back(ToUtf8(path));
-        input.IdentifierType = IdentifierTypeFilePath;
+        input.IdentifierType = vanto::protocol::IdentifierType::FilePath;
         // The answer's errors are not looked at: without pairs it finds nothing newer.
         const auto output = frame.Execute(input);
         return NewerVersionFound(output, stamps);

@@ -22,7 +22,8 @@ using Core::CommandIO::VersionedCommandInputBase;
 
 class CorvaneGetFileContextInformationInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetFileContextInformationInput() : VersionedCommandInputBase("GETFILECONTEXTINFO") {}
+    static constexpr const char* CommandName = "GETFILECONTEXTINFO";
+    CorvaneGetFileContextInformationInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetFileContextInformationInput)
     using Output = CorvaneGetFileContextInformationOutput;
 
@@ -44,7 +45,8 @@ public:
 
 class CorvaneGetFilePathByUidInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetFilePathByUidInput() : VersionedCommandInputBase("GETFILEPATHBYUID") {}
+    static constexpr const char* CommandName = "GETFILEPATHBYUID";
+    CorvaneGetFilePathByUidInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetFilePathByUidInput)
     using Output = CorvaneGetFilePathByUidOutput;
 
@@ -68,7 +70,8 @@ public:
 // The command literal is "CHECKFORNEWERVERSION" though the classes speak of the cloud.
 class CorvaneCheckNewerVersionOnCloudInput : public VersionedCommandInputBase {
 public:
-    CorvaneCheckNewerVersionOnCloudInput() : VersionedCommandInputBase("CHECKFORNEWERVERSION") {}
+    static constexpr const char* CommandName = "CHECKFORNEWERVERSION";
+    CorvaneCheckNewerVersionOnCloudInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneCheckNewerVersionOnCloudInput)
     using Output = CorvaneCheckNewerVersionOnCloudOutput;
 
@@ -94,7 +97,8 @@ public:
 
 class CorvaneGetPropertiesInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetPropertiesInput() : VersionedCommandInputBase("GETPROPERTIES") {}
+    static constexpr const char* CommandName = "GETPROPERTIES";
+    CorvaneGetPropertiesInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetPropertiesInput)
     using Output = CorvaneGetPropertiesOutput;
 
@@ -116,7 +120,8 @@ public:
 
 class CorvaneGetAvailableContainersInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetAvailableContainersInput() : VersionedCommandInputBase("GETAVAILABLECONTAINERS") {}
+    static constexpr const char* CommandName = "GETAVAILABLECONTAINERS";
+    CorvaneGetAvailableContainersInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetAvailableContainersInput)
     using Output = CorvaneGetAvailableContainersOutput;
 
@@ -141,7 +146,8 @@ public:
 
 class CorvaneAddProjectToSyncInput : public VersionedCommandInputBase {
 public:
-    CorvaneAddProjectToSyncInput() : VersionedCommandInputBase("ADDPROJECTTOSYNC") {}
+    static constexpr const char* CommandName = "ADDPROJECTTOSYNC";
+    CorvaneAddProjectToSyncInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneAddProjectToSyncInput)
     using Output = CorvaneAddProjectToSyncOutput;
 
@@ -162,7 +168,8 @@ public:
 // Same layout as CorvaneIsPathMonitoredInput; only the command differs.
 class CorvaneGetAccessPermissionsInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetAccessPermissionsInput() : VersionedCommandInputBase("GETACCESSPERMISSIONS") {}
+    static constexpr const char* CommandName = "GETACCESSPERMISSIONS";
+    CorvaneGetAccessPermissionsInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetAccessPermissionsInput)
     using Output = CorvaneGetAccessPermissionsOutput;
 
@@ -184,7 +191,8 @@ public:
 
 class CorvaneIsPathMonitoredInput : public VersionedCommandInputBase {
 public:
-    CorvaneIsPathMonitoredInput() : VersionedCommandInputBase("ISPATHMONITORED") {}
+    static constexpr const char* CommandName = "ISPATHMONITORED";
+    CorvaneIsPathMonitoredInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneIsPathMonitoredInput)
     using Output = CorvaneIsPathMonitoredOutput;
 

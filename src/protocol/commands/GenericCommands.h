@@ -11,7 +11,8 @@ class CorvaneSetDataObjectOutput;
 
 class CorvaneSetDataObjectInput : public Core::CommandIO::VersionedCommandInputBase {
 public:
-    CorvaneSetDataObjectInput() : VersionedCommandInputBase("SETDATAOBJECT") {}
+    static constexpr const char* CommandName = "SETDATAOBJECT";
+    CorvaneSetDataObjectInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneSetDataObjectInput)
     using Output = CorvaneSetDataObjectOutput;
 

@@ -24,7 +24,8 @@ using Core::CommandIO::VersionedCommandInputBase;
 
 class CorvaneLockDesignRevisionsInput : public VersionedCommandInputBase {
 public:
-    CorvaneLockDesignRevisionsInput() : VersionedCommandInputBase("LOCKDESIGNREVISIONS") {}
+    static constexpr const char* CommandName = "LOCKDESIGNREVISIONS";
+    CorvaneLockDesignRevisionsInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneLockDesignRevisionsInput)
     using Output = CorvaneLockDesignRevisionsOutput;
 
@@ -46,7 +47,8 @@ public:
 
 class CorvaneUnLockDesignRevisionsInput : public VersionedCommandInputBase {
 public:
-    CorvaneUnLockDesignRevisionsInput() : VersionedCommandInputBase("UNLOCKDESIGNREVISIONS") {}
+    static constexpr const char* CommandName = "UNLOCKDESIGNREVISIONS";
+    CorvaneUnLockDesignRevisionsInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneUnLockDesignRevisionsInput)
     using Output = CorvaneUnLockDesignRevisionsOutput;
 
@@ -67,7 +69,8 @@ public:
 
 class CorvaneQueryDesignRevisionsInput : public VersionedCommandInputBase {
 public:
-    CorvaneQueryDesignRevisionsInput() : VersionedCommandInputBase("QUERYDESIGNREVISIONS") {}
+    static constexpr const char* CommandName = "QUERYDESIGNREVISIONS";
+    CorvaneQueryDesignRevisionsInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneQueryDesignRevisionsInput)
     using Output = CorvaneQueryDesignRevisionsOutput;
 
@@ -93,7 +96,8 @@ public:
 
 class CorvaneQueryPrimaryObjectsInput : public VersionedCommandInputBase {
 public:
-    CorvaneQueryPrimaryObjectsInput() : VersionedCommandInputBase("QUERYPRIMARYOBJECTS") {}
+    static constexpr const char* CommandName = "QUERYPRIMARYOBJECTS";
+    CorvaneQueryPrimaryObjectsInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneQueryPrimaryObjectsInput)
     using Output = CorvaneQueryPrimaryObjectsOutput;
 
@@ -118,7 +122,8 @@ public:
 
 class CorvaneGetNextIdInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetNextIdInput() : VersionedCommandInputBase("GETNEXTID") {}
+    static constexpr const char* CommandName = "GETNEXTID";
+    CorvaneGetNextIdInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetNextIdInput)
     using Output = CorvaneGetNextIdOutput;
 
@@ -143,7 +148,8 @@ public:
 
 class CorvaneGetNextRevisionIdInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetNextRevisionIdInput() : VersionedCommandInputBase("GETNEXTREVISIONID") {}
+    static constexpr const char* CommandName = "GETNEXTREVISIONID";
+    CorvaneGetNextRevisionIdInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetNextRevisionIdInput)
     using Output = CorvaneGetNextRevisionIdOutput;
 
@@ -167,7 +173,8 @@ public:
 // The input's list key is plural, the output's ("ParentChildRelationInfo") singular.
 class CorvaneAddChildrenInput : public VersionedCommandInputBase {
 public:
-    CorvaneAddChildrenInput() : VersionedCommandInputBase("ADDCHILDREN") {}
+    static constexpr const char* CommandName = "ADDCHILDREN";
+    CorvaneAddChildrenInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneAddChildrenInput)
     using Output = CorvaneAddChildrenOutput;
 
@@ -191,7 +198,8 @@ public:
 
 class CorvaneGetChildrenInput : public VersionedCommandInputBase {
 public:
-    CorvaneGetChildrenInput() : VersionedCommandInputBase("GETCHILDREN") {}
+    static constexpr const char* CommandName = "GETCHILDREN";
+    CorvaneGetChildrenInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneGetChildrenInput)
     using Output = CorvaneGetChildrenOutput;
 
@@ -215,7 +223,8 @@ public:
 
 class CorvaneRemoveChildrenInput : public VersionedCommandInputBase {
 public:
-    CorvaneRemoveChildrenInput() : VersionedCommandInputBase("REMOVECHILDREN") {}
+    static constexpr const char* CommandName = "REMOVECHILDREN";
+    CorvaneRemoveChildrenInput() : VersionedCommandInputBase(CommandName) {}
     VANTO_JSON_WRITER(CorvaneRemoveChildrenInput)
     using Output = CorvaneRemoveChildrenOutput;
 

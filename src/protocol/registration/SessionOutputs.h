@@ -1,5 +1,5 @@
-// Answers read by the session service: "GETSESSIONINFO" and "GETCORVANEROOTFOLDERS", both sent
-// with the bare CommandInputBase.
+// Answers read by the session service, and the session commands: "GETCONNECTIONSTATUS",
+// "GETSESSIONINFO" and "GETCORVANEROOTFOLDERS", all sent with the bare CommandInputBase.
 #pragma once
 
 #include "protocol/Envelope.h"
@@ -38,3 +38,22 @@ public:
 };
 
 } // namespace Corvane::CommandIO::DataManagement
+
+namespace vanto::protocol {
+
+// The session commands go out as the bare envelope (CommandInputBase); each names its command and
+// the output its answer is read into, as the inputs of the catalogue do.
+struct GetConnectionStatusCommand {
+    static constexpr const char* CommandName = "GETCONNECTIONSTATUS";
+    using Output = Corvane::CommandIO::CommandOutputBase;
+};
+struct GetSessionInfoCommand {
+    static constexpr const char* CommandName = "GETSESSIONINFO";
+    using Output = Corvane::CommandIO::Generic::CorvaneGetSessionInfoOutput;
+};
+struct GetRootFoldersCommand {
+    static constexpr const char* CommandName = "GETCORVANEROOTFOLDERS";
+    using Output = Corvane::CommandIO::DataManagement::CorvaneGetRootFoldersOutput;
+};
+
+} // namespace vanto::protocol

@@ -1,0 +1,48 @@
+// Every command the component sends through "execute", in one list. Whatever must exist once per
+// command (a sample exchange, a row of the slot table, a handler in the emulator) is checked
+// against this list, so that a new command cannot be half added.
+#pragma once
+
+#include "protocol/commands/DataManagementCommands.h"
+#include "protocol/commands/GenericCommands.h"
+#include "protocol/commands/MCADCommands.h"
+#include "protocol/registration/SessionOutputs.h"
+
+namespace vanto::protocol {
+
+template <class... Commands> struct CommandList {};
+
+namespace catalogue {
+using namespace Corvane::CommandIO::DataManagement;
+using namespace Corvane::CommandIO::DataManagement::MCAD;
+using namespace Corvane::CommandIO::Generic;
+
+using All = CommandList<
+    // Check-out, check-in and revisions.
+    CorvaneLockDesignRevisionsInput, CorvaneUnLockDesignRevisionsInput,
+    CorvaneQueryDesignRevisionsInput,
+    // Structure and where-used.
+    CorvaneQueryPrimaryObjectsInput, CorvaneAddChildrenInput, CorvaneGetChildrenInput,
+    CorvaneRemoveChildrenInput,
+    // Numbering.
+    CorvaneGetNextIdInput, CorvaneGetNextRevisionIdInput,
+    // Files, containers, properties and permissions.
+    CorvaneGetFileContextInformationInput, CorvaneGetFilePathByUidInput,
+    CorvaneCheckNewerVersionOnCloudInput, CorvaneGetPropertiesInput,
+    CorvaneGetAvailableContainersInput, CorvaneAddProjectToSyncInput,
+    CorvaneGetAccessPermissionsInput, CorvaneIsPathMonitoredInput, CorvaneSetDataObjectInput,
+    // The session's own.
+    GetConnectionStatusCommand, GetSessionInfoCommand, GetRootFoldersCommand>;
+} // namespace catalogue
+
+using Catalogue = catalogue::All;
+
+// Calls `visit` with a CommandTag of each command of the list, in order.
+template <class Command> struct CommandTag {
+    using Type = Command;
+};
+template <class... Commands, class Visit> void ForEachCommand(CommandList<Commands...>, Visit&& visit) {
+    (visit(CommandTag<Commands>{}), ...);
+}
+
+} // namespace vanto::protocol
