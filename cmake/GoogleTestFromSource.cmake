@@ -9,8 +9,3 @@ endif()
 set(BUILD_GMOCK ON CACHE BOOL "" FORCE)
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(${VANTO_GOOGLETEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-
-foreach(library gtest gtest_main gmock gmock_main)
-  # The project's warning options (with -Werror) are for its own code, not for GoogleTest's.
-  set_property(TARGET ${library} PROPERTY COMPILE_OPTIONS "")
-endforeach()

@@ -37,14 +37,8 @@ endif()
 # ---- What a host compiles and links against ----------------------------------------------------
 # The interfaces' data hold GUserText, the host's text class. Its stand-in goes with the headers
 # as a small static library, compiled on its own so that it carries nothing else of the platform.
-add_library(vanto_usertext STATIC
-            ${PROJECT_SOURCE_DIR}/platform/host/GUserText.cpp
-            ${PROJECT_SOURCE_DIR}/platform/os/TextConversion.cpp
-            ${PROJECT_SOURCE_DIR}/platform/os/Os_posix.cpp
-            ${PROJECT_SOURCE_DIR}/platform/os/Os_win32.cpp
-            ${PROJECT_SOURCE_DIR}/platform/os/Paths.cpp
-            ${PROJECT_SOURCE_DIR}/platform/os/Paths_posix.cpp
-            ${PROJECT_SOURCE_DIR}/platform/os/Paths_win32.cpp)
+add_library(vanto_usertext STATIC ${PROJECT_SOURCE_DIR}/platform/host/GUserText.cpp
+                                  ${VANTO_TEXT_SOURCES})
 target_include_directories(vanto_usertext PRIVATE ${PROJECT_SOURCE_DIR}/platform)
 if(WIN32)
   target_link_libraries(vanto_usertext PUBLIC advapi32)

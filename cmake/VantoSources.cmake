@@ -1,13 +1,34 @@
-# Targets of the component. Sources are collected per folder so that a new file needs no edit here.
+# Targets of the component.
+#
+# The stand-ins of platform/ are listed file by file: one folder holds the component's own part,
+# what a host needs to load it and the tests' seams, and each goes into a different target. A file
+# of one platform (Name_posix.cpp, Name_win32.cpp) is built on that platform only.
+# The component's own code in src/ is collected by folder: all of it goes into the module, and
+# nothing in it differs by platform.
+if(WIN32)
+  set(VANTO_OS win32)
+else()
+  set(VANTO_OS posix)
+endif()
+set(VANTO_OS_DIR ${PROJECT_SOURCE_DIR}/platform/os)
 
-file(GLOB_RECURSE VANTO_PLATFORM_SOURCES CONFIGURE_DEPENDS
-     ${PROJECT_SOURCE_DIR}/platform/os/*.cpp
-     ${PROJECT_SOURCE_DIR}/platform/core/*.cpp
-     ${PROJECT_SOURCE_DIR}/platform/host/*.cpp
-     ${PROJECT_SOURCE_DIR}/platform/connector/*.cpp)
-# Test seams are not part of the component.
-list(FILTER VANTO_PLATFORM_SOURCES EXCLUDE REGEX "/platform/connector/Fake[^/]*\\.cpp$")
-list(FILTER VANTO_PLATFORM_SOURCES EXCLUDE REGEX "/platform/os/(DynamicLibrary|Console|ChildProcess)[^/]*\\.cpp$")
+# platform/os parts that the GUserText stand-in needs on its own (see VantoPackage.cmake).
+set(VANTO_TEXT_SOURCES ${VANTO_OS_DIR}/TextConversion.cpp ${VANTO_OS_DIR}/Os_${VANTO_OS}.cpp
+                       ${VANTO_OS_DIR}/Paths.cpp ${VANTO_OS_DIR}/Paths_${VANTO_OS}.cpp)
+set(VANTO_PLATFORM_SOURCES
+    ${VANTO_TEXT_SOURCES}
+    ${VANTO_OS_DIR}/Process_${VANTO_OS}.cpp
+    ${VANTO_OS_DIR}/ProcessInfo_${VANTO_OS}.cpp
+    ${VANTO_OS_DIR}/UserValues_${VANTO_OS}.cpp
+    ${PROJECT_SOURCE_DIR}/platform/core/BoostJson.cpp
+    ${PROJECT_SOURCE_DIR}/platform/core/MemoryManager.cpp
+    ${PROJECT_SOURCE_DIR}/platform/host/GUserFileName.cpp
+    ${PROJECT_SOURCE_DIR}/platform/host/GUserText.cpp
+    ${PROJECT_SOURCE_DIR}/platform/host/HostLog.cpp
+    ${PROJECT_SOURCE_DIR}/platform/host/HostUtil.cpp
+    ${PROJECT_SOURCE_DIR}/platform/connector/ConnectorLink.cpp
+    ${PROJECT_SOURCE_DIR}/platform/connector/CorvaneClient.cpp
+    ${PROJECT_SOURCE_DIR}/platform/connector/EmulatorConnector.cpp)
 file(GLOB_RECURSE VANTO_COMPONENT_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
 
 # Everything compiled once; the DLL, the static library for tests and the host tools share the
@@ -48,34 +69,16 @@ else()
 endif()
 
 # Test seams of the stand-ins (fake connector and friends).
-file(GLOB_RECURSE VANTO_TESTING_SOURCES CONFIGURE_DEPENDS
-     ${PROJECT_SOURCE_DIR}/platform/connector/Fake*.cpp)
-add_library(vanto_testing STATIC ${VANTO_TESTING_SOURCES})
+add_library(vanto_testing STATIC ${PROJECT_SOURCE_DIR}/platform/connector/FakeConnector.cpp)
 target_link_libraries(vanto_testing PUBLIC vanto_static)
 
 # What a host needs to load the component: the public header, module loading and the console.
-add_library(vanto_hostsupport STATIC ${PROJECT_SOURCE_DIR}/platform/os/DynamicLibrary_posix.cpp
-                                     ${PROJECT_SOURCE_DIR}/platform/os/DynamicLibrary_win32.cpp
-                                     ${PROJECT_SOURCE_DIR}/platform/os/Console_posix.cpp
-                                     ${PROJECT_SOURCE_DIR}/platform/os/Console_win32.cpp
-                                     ${PROJECT_SOURCE_DIR}/platform/os/ChildProcess_posix.cpp
-                                     ${PROJECT_SOURCE_DIR}/platform/os/ChildProcess_win32.cpp)
+add_library(vanto_hostsupport STATIC ${VANTO_OS_DIR}/DynamicLibrary_${VANTO_OS}.cpp
+                                     ${VANTO_OS_DIR}/Console_${VANTO_OS}.cpp
+                                     ${VANTO_OS_DIR}/ChildProcess_${VANTO_OS}.cpp)
 target_link_libraries(vanto_hostsupport PUBLIC vanto_platform ${CMAKE_DL_LIBS})
 if(WIN32)
   target_link_libraries(vanto_hostsupport PUBLIC shell32)
-endif()
-
-add_subdirectory(tools)
-
-if(VANTO_BUILD_TESTS)
-  enable_testing()
-  add_subdirectory(tests)
-endif()
-if(VANTO_BUILD_FUZZ)
-  add_subdirectory(fuzz)
-endif()
-if(VANTO_BUILD_BENCH AND EXISTS ${PROJECT_SOURCE_DIR}/bench/CMakeLists.txt)
-  add_subdirectory(bench)
 endif()
 
 # The mock's XML reader is Boost templates throughout; left unoptimised (Debug, sanitizers) a large

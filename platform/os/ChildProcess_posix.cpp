@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/ChildProcess.h"
 
 #include <chrono>
@@ -77,5 +75,3 @@ ProgramRun RunProgram(const std::string& program, const std::vector<std::string>
 }
 
 } // namespace platform::os
-
-#endif

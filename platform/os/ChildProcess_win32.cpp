@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/ChildProcess.h"
 
 #include "os/CommandLine_win32.h"
@@ -122,5 +120,3 @@ ProgramRun RunProgram(const std::string& program, const std::vector<std::string>
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/Console.h"
 
 #include <cstdlib>
@@ -30,5 +28,3 @@ bool SetRuntimeEnvironmentValue(const char* name, const std::string& value) {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/Console.h"
 
 #include <climits>
@@ -64,5 +62,3 @@ bool SetRuntimeEnvironmentValue(const char* name, const std::string& value) {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/DynamicLibrary.h"
 
 #include <dlfcn.h>
@@ -27,5 +25,3 @@ void* DynamicLibrary::Symbol(const char* name) const {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/DynamicLibrary.h"
 #include "os/TextConversion.h"
 
@@ -28,5 +26,3 @@ void* DynamicLibrary::Symbol(const char* name) const {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/Os.h"
 #include "os/Paths.h"
 #include "os/TextConversion.h"
@@ -83,5 +81,3 @@ int CompareNoCase(const wchar_t* a, const wchar_t* b) {
 }
 
 } // namespace platform::os
-
-#endif

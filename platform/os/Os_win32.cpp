@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/Os.h"
 
 #include <utility>
@@ -65,5 +63,3 @@ int CompareNoCase(const wchar_t* a, const wchar_t* b) {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/Paths.h"
 
 #include "os/TextConversion.h"
@@ -61,5 +59,3 @@ bool MoveDriveRoot(const std::wstring& folder) {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/Paths.h"
 
 #include <cstdio>
@@ -19,5 +17,3 @@ bool MoveDriveRoot(const std::wstring& /*folder*/) {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/ProcessInfo.h"
 #include "os/TextConversion.h"
 
@@ -89,5 +87,3 @@ std::wstring ExecutableDirectory() {
 }
 
 } // namespace platform::os
-
-#endif

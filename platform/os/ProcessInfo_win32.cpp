@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/ProcessInfo.h"
 
 #include <windows.h>
@@ -57,5 +55,3 @@ std::wstring ExecutableDirectory() {
 }
 
 } // namespace platform::os
-
-#endif

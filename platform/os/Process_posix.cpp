@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/Process.h"
 
 #include "os/TextConversion.h"
@@ -125,5 +123,3 @@ bool WaitForExit(unsigned long pid, int timeoutMs) {
 }
 
 } // namespace platform::os
-
-#endif

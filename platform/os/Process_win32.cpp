@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/Process.h"
 
 #include "os/CommandLine_win32.h"
@@ -163,5 +161,3 @@ bool WaitForExit(unsigned long pid, int timeoutMs) {
 }
 
 } // namespace platform::os
-
-#endif

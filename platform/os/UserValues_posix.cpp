@@ -1,5 +1,3 @@
-#ifndef _WIN32
-
 #include "os/TextConversion.h"
 #include "os/UserValues.h"
 
@@ -191,5 +189,3 @@ void ClearUserValueStore() {
 }
 
 } // namespace platform::os
-
-#endif

@@ -1,5 +1,3 @@
-#ifdef _WIN32
-
 #include "os/UserValues.h"
 
 #include <windows.h>
@@ -77,5 +75,3 @@ void ClearUserValueStore() {
 }
 
 } // namespace platform::os
-
-#endif
