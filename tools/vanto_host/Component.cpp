@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-namespace vanto_host {
+namespace vanto::host {
 
 namespace {
 
@@ -106,4 +106,4 @@ Report Component::LoadReport() const {
     return report;
 }
 
-} // namespace vanto_host
+} // namespace vanto::host

@@ -10,7 +10,7 @@
 
 #include <string>
 
-namespace vanto_host {
+namespace vanto::host {
 
 class Component {
 public:
@@ -45,4 +45,4 @@ private:
 // The module beside the program (the build tree), else where the install puts it.
 std::string DefaultModulePath(const std::string& program);
 
-} // namespace vanto_host
+} // namespace vanto::host

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-namespace vanto_host {
+namespace vanto::host {
 
 namespace {
 
@@ -475,4 +475,4 @@ void AddFileCommands(CLI::App& app, Runner& chosen) {
     AddContainerCommands(app, chosen, arguments);
 }
 
-} // namespace vanto_host
+} // namespace vanto::host

@@ -6,7 +6,7 @@
 
 #include <cstdio>
 
-namespace vanto_host {
+namespace vanto::host {
 
 void Host::Register() {
     if (registered_ || mock_) {
@@ -118,4 +118,4 @@ CLI::Option* AddPaths(CLI::App& command, std::vector<std::string>& paths, const 
     return command.add_option(name, paths, help)->required()->check(PathCheck());
 }
 
-} // namespace vanto_host
+} // namespace vanto::host

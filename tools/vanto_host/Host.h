@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace vanto_host {
+namespace vanto::host {
 
 enum class Output { Table, Json };
 
@@ -96,4 +96,4 @@ void AddSessionCommands(CLI::App& app, Runner& chosen);
 void AddFileCommands(CLI::App& app, Runner& chosen);
 void AddStructureCommands(CLI::App& app, Runner& chosen);
 
-} // namespace vanto_host
+} // namespace vanto::host

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace vanto_host {
+namespace vanto::host {
 
 namespace {
 
@@ -201,4 +201,4 @@ void Report::PrintJson(std::FILE* out) const {
     std::fprintf(out, "%s\n", boost::json::serialize(document).c_str());
 }
 
-} // namespace vanto_host
+} // namespace vanto::host

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace vanto_host {
+namespace vanto::host {
 
 // "S_OK", "E_FAIL (0x80004005)", ... or the code in hexadecimal.
 std::string HResultText(HRESULT hr);
@@ -60,4 +60,4 @@ private:
 // One cell as a table shows it: texts as they are ("-" when empty), yes/no, numbers, lists joined.
 std::string CellText(const boost::json::value& value);
 
-} // namespace vanto_host
+} // namespace vanto::host

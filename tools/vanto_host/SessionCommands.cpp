@@ -3,7 +3,7 @@
 
 #include <memory>
 
-namespace vanto_host {
+namespace vanto::host {
 
 void AddSessionCommands(CLI::App& app, Runner& chosen) {
     auto force = std::make_shared<bool>(false);
@@ -102,4 +102,4 @@ void AddSessionCommands(CLI::App& app, Runner& chosen) {
                });
 }
 
-} // namespace vanto_host
+} // namespace vanto::host

@@ -5,7 +5,7 @@
 #include <memory>
 #include <set>
 
-namespace vanto_host {
+namespace vanto::host {
 
 namespace {
 
@@ -214,4 +214,4 @@ void AddStructureCommands(CLI::App& app, Runner& chosen) {
     tree->add_flag("--dot", a->dot, "write the graph for Graphviz instead");
 }
 
-} // namespace vanto_host
+} // namespace vanto::host

@@ -25,10 +25,10 @@ struct Options {
     std::string data;
 };
 
-void AddLoadCommand(CLI::App& app, vanto_host::Runner& chosen) {
-    vanto_host::AddCommand(app, "load",
-                           "load the module and report each step and interface (no operation)",
-                           vanto_host::Needs::Nothing, chosen, [](vanto_host::Host&) { return 0; });
+void AddLoadCommand(CLI::App& app, vanto::host::Runner& chosen) {
+    vanto::host::AddCommand(
+        app, "load", "load the module and report each step and interface (no operation)",
+        vanto::host::Needs::Nothing, chosen, [](vanto::host::Host&) { return 0; });
 }
 
 // The subcommands given so far, as typed: " children add".
@@ -66,7 +66,7 @@ std::string UsageProblem(const CLI::App& app, const CLI::ParseError& error) {
 } // namespace
 
 int main(int argc, char** argv) {
-    using namespace vanto_host;
+    using namespace vanto::host;
     const std::vector<std::string> arguments = platform::os::Utf8Arguments(argc, argv);
 
     CLI::App app{"Drives the VANTO component as a host does: one subcommand per operation.\n"
