@@ -1,8 +1,6 @@
 // The module as the Windows tests find it: its file lies next to the test program.
 #pragma once
 
-#ifdef _WIN32
-
 #include <windows.h>
 
 #include <string>
@@ -22,5 +20,3 @@ inline std::wstring ModuleNextToProgram() {
 }
 
 } // namespace testsupport
-
-#endif

@@ -1,7 +1,5 @@
 // The component as Windows' own COM runtime uses it: registered for the current user, created with
 // CoCreateInstance, and unloaded by CoFreeUnusedLibraries only when DllCanUnloadNow allows it.
-#ifdef _WIN32
-
 #include "VANTO.h"
 #include "support/ComTestSupport.h"
 #include "support/WindowsModule.h"
@@ -184,5 +182,3 @@ TEST(ComRuntime, LoadsCreatesAndUnloadsTheRegisteredComponent) {
 }
 
 } // namespace
-
-#endif

@@ -1,7 +1,5 @@
 // The module's version resource as the file's properties and a host's diagnostics read it, without
 // loading the module: the project's version in the fixed part and in the strings.
-#ifdef _WIN32
-
 #include "support/WindowsModule.h"
 
 #include <winver.h>
@@ -70,5 +68,3 @@ TEST_F(ModuleVersion, StringsNameTheProjectVersionAndTheFile) {
 }
 
 } // namespace
-
-#endif
