@@ -5,66 +5,6 @@
 #include "VANTO.h"
 #include "connector/CorvaneClient.h"
 
-// Declarations shared by the real and the mock implementation of each interface.
-#define VANTO_SESSION_METHODS                                                                      \
-    bool STDMETHODCALLTYPE IsConnected(bool force) override;                                       \
-    HRESULT STDMETHODCALLTYPE GetRootFolders(RootFolderSet* rootFolders) override;                 \
-    HRESULT STDMETHODCALLTYPE GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) override;         \
-    bool STDMETHODCALLTYPE IsCorvaneRunning() override;                                            \
-    bool STDMETHODCALLTYPE IsCorvaneInstalled() override;                                          \
-    bool STDMETHODCALLTYPE StartCorvaneAndWaitForReadyState(                                       \
-        int timeoutMs, bool* timedOut, StopAtTimeoutCallback callback) override;                   \
-    void STDMETHODCALLTYPE DeRegisterFromCorvane() override;                                       \
-    bool STDMETHODCALLTYPE IsCorvaneInOffLineMode() override;                                      \
-    HRESULT STDMETHODCALLTYPE GetSessionInfo(SessionInfo* info) override;
-
-#define VANTO_FILE_SERVICES_METHODS                                                                \
-    HRESULT STDMETHODCALLTYPE CheckIn(FileCheckInList* files) override;                            \
-    HRESULT STDMETHODCALLTYPE CheckOut(FileLockStatusMap* files) override;                         \
-    HRESULT STDMETHODCALLTYPE IsValidCorvaneFile(const PathList& paths,                            \
-                                                 PathMonitoredMap* monitored) override;            \
-    bool STDMETHODCALLTYPE IsValidCorvaneFile(const GUserText& path) override;                     \
-    HRESULT STDMETHODCALLTYPE GetStatusInformation(const GUserText& path,                          \
-                                                   FileStatusInformation* status) override;        \
-    bool STDMETHODCALLTYPE IsNewRevisionAvailable(const GUserText& path) override;                 \
-    bool STDMETHODCALLTYPE IsNewVersionAvailable(const GUserText& path) override;                  \
-    HRESULT STDMETHODCALLTYPE GetCheckOutStatus(FileLockStatusMap* files, bool checkNewVersion)    \
-        override;                                                                                  \
-    HRESULT STDMETHODCALLTYPE DownloadLatestVersion(const GUserText& path) override;               \
-    HRESULT STDMETHODCALLTYPE AttachDocumentToRevision(RevisionAttachmentList attachments)         \
-        override;                                                                                  \
-    HRESULT STDMETHODCALLTYPE GetDocumentConsistencyStamp(DocumentStampMap* stamps) override;      \
-    bool STDMETHODCALLTYPE IsFileSynchronized(const GUserText& path) override;                     \
-    HRESULT STDMETHODCALLTYPE GetFilePath(FileUidPathMap* paths) override;                         \
-    HRESULT STDMETHODCALLTYPE GetContextInformation(const PathList& paths,                         \
-                                                    FileContextList* contexts) override;           \
-    HRESULT STDMETHODCALLTYPE GetAvailableContainers(ContainerList* containers,                    \
-                                                     std::int32_t* status) override;               \
-    HRESULT STDMETHODCALLTYPE AddProjectToSync(const GUserText& projectUrn, std::int32_t* status)  \
-        override;                                                                                  \
-    HRESULT STDMETHODCALLTYPE GetFileAccessPermissions(const PathList& paths,                      \
-                                                       AccessPermissionMap* permissions) override; \
-    HRESULT STDMETHODCALLTYPE GenerateItemIDAndRevision(                                           \
-        const GUserText& directoryPath, const GUserText& fileExtension, std::int32_t& count,       \
-        ItemIdRevisionList* ids) override;                                                         \
-    HRESULT STDMETHODCALLTYPE GenerateNextRevisionID(const GUserText& designIdentifier,            \
-                                                     GUserText* revisionId) override;              \
-    HRESULT STDMETHODCALLTYPE GetProperties(const PathList& paths, const PropertyNameSet& filter,  \
-                                            FilePropertyList* properties) override;                \
-    HRESULT STDMETHODCALLTYPE SetDataObject(const GUserText& primaryKey, const GUserText& data)    \
-        override;                                                                                  \
-    HRESULT STDMETHODCALLTYPE GetDesignRevisions(const GUserText& designName,                      \
-                                                 PathList* revisionNames) override;                \
-    HRESULT STDMETHODCALLTYPE AddChildren(const GUserText& parentPath, const PathList& childPaths) \
-        override;                                                                                  \
-    HRESULT STDMETHODCALLTYPE RemoveChildren(const GUserText& parentPath,                          \
-                                             const PathList& childPaths) override;                 \
-    HRESULT STDMETHODCALLTYPE GetChildren(const GUserText& parentPath, RelationMap* children)      \
-        override;                                                                                  \
-    HRESULT STDMETHODCALLTYPE GetCorvaneWUResults(const PathList& paths, RelationMap* whereUsed,   \
-                                                  bool drawingsOnly) override;                     \
-    HRESULT STDMETHODCALLTYPE LogErrors(std::uint32_t* returnCode) override;
-
 class VANTOManager : public IUnknown {
 public:
     // An interface nested in the manager: IUnknown goes to the controlling unknown unchanged.
@@ -90,25 +30,135 @@ public:
     class VANTOFileServices final : public Nested<IVANTOFileServices> {
     public:
         using Nested::Nested;
-        VANTO_FILE_SERVICES_METHODS
+        HRESULT STDMETHODCALLTYPE CheckIn(FileCheckInList* files) override;
+        HRESULT STDMETHODCALLTYPE CheckOut(FileLockStatusMap* files) override;
+        HRESULT STDMETHODCALLTYPE IsValidCorvaneFile(const PathList& paths,
+                                                     PathMonitoredMap* monitored) override;
+        bool STDMETHODCALLTYPE IsValidCorvaneFile(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE GetStatusInformation(const GUserText& path,
+                                                       FileStatusInformation* status) override;
+        bool STDMETHODCALLTYPE IsNewRevisionAvailable(const GUserText& path) override;
+        bool STDMETHODCALLTYPE IsNewVersionAvailable(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE GetCheckOutStatus(FileLockStatusMap* files,
+                                                    bool checkNewVersion) override;
+        HRESULT STDMETHODCALLTYPE DownloadLatestVersion(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE
+        AttachDocumentToRevision(RevisionAttachmentList attachments) override;
+        HRESULT STDMETHODCALLTYPE GetDocumentConsistencyStamp(DocumentStampMap* stamps) override;
+        bool STDMETHODCALLTYPE IsFileSynchronized(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE GetFilePath(FileUidPathMap* paths) override;
+        HRESULT STDMETHODCALLTYPE GetContextInformation(const PathList& paths,
+                                                        FileContextList* contexts) override;
+        HRESULT STDMETHODCALLTYPE GetAvailableContainers(ContainerList* containers,
+                                                         std::int32_t* status) override;
+        HRESULT STDMETHODCALLTYPE AddProjectToSync(const GUserText& projectUrn,
+                                                   std::int32_t* status) override;
+        HRESULT STDMETHODCALLTYPE
+        GetFileAccessPermissions(const PathList& paths, AccessPermissionMap* permissions) override;
+        HRESULT STDMETHODCALLTYPE GenerateItemIDAndRevision(const GUserText& directoryPath,
+                                                            const GUserText& fileExtension,
+                                                            std::int32_t& count,
+                                                            ItemIdRevisionList* ids) override;
+        HRESULT STDMETHODCALLTYPE GenerateNextRevisionID(const GUserText& designIdentifier,
+                                                         GUserText* revisionId) override;
+        HRESULT STDMETHODCALLTYPE GetProperties(const PathList& paths,
+                                                const PropertyNameSet& filter,
+                                                FilePropertyList* properties) override;
+        HRESULT STDMETHODCALLTYPE SetDataObject(const GUserText& primaryKey,
+                                                const GUserText& data) override;
+        HRESULT STDMETHODCALLTYPE GetDesignRevisions(const GUserText& designName,
+                                                     PathList* revisionNames) override;
+        HRESULT STDMETHODCALLTYPE AddChildren(const GUserText& parentPath,
+                                              const PathList& childPaths) override;
+        HRESULT STDMETHODCALLTYPE RemoveChildren(const GUserText& parentPath,
+                                                 const PathList& childPaths) override;
+        HRESULT STDMETHODCALLTYPE GetChildren(const GUserText& parentPath,
+                                              RelationMap* children) override;
+        HRESULT STDMETHODCALLTYPE GetCorvaneWUResults(const PathList& paths, RelationMap* whereUsed,
+                                                      bool drawingsOnly) override;
+        HRESULT STDMETHODCALLTYPE LogErrors(std::uint32_t* returnCode) override;
     };
 
     class VANTOMockFileServices final : public Nested<IVANTOFileServices> {
     public:
         using Nested::Nested;
-        VANTO_FILE_SERVICES_METHODS
+        HRESULT STDMETHODCALLTYPE CheckIn(FileCheckInList* files) override;
+        HRESULT STDMETHODCALLTYPE CheckOut(FileLockStatusMap* files) override;
+        HRESULT STDMETHODCALLTYPE IsValidCorvaneFile(const PathList& paths,
+                                                     PathMonitoredMap* monitored) override;
+        bool STDMETHODCALLTYPE IsValidCorvaneFile(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE GetStatusInformation(const GUserText& path,
+                                                       FileStatusInformation* status) override;
+        bool STDMETHODCALLTYPE IsNewRevisionAvailable(const GUserText& path) override;
+        bool STDMETHODCALLTYPE IsNewVersionAvailable(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE GetCheckOutStatus(FileLockStatusMap* files,
+                                                    bool checkNewVersion) override;
+        HRESULT STDMETHODCALLTYPE DownloadLatestVersion(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE
+        AttachDocumentToRevision(RevisionAttachmentList attachments) override;
+        HRESULT STDMETHODCALLTYPE GetDocumentConsistencyStamp(DocumentStampMap* stamps) override;
+        bool STDMETHODCALLTYPE IsFileSynchronized(const GUserText& path) override;
+        HRESULT STDMETHODCALLTYPE GetFilePath(FileUidPathMap* paths) override;
+        HRESULT STDMETHODCALLTYPE GetContextInformation(const PathList& paths,
+                                                        FileContextList* contexts) override;
+        HRESULT STDMETHODCALLTYPE GetAvailableContainers(ContainerList* containers,
+                                                         std::int32_t* status) override;
+        HRESULT STDMETHODCALLTYPE AddProjectToSync(const GUserText& projectUrn,
+                                                   std::int32_t* status) override;
+        HRESULT STDMETHODCALLTYPE
+        GetFileAccessPermissions(const PathList& paths, AccessPermissionMap* permissions) override;
+        HRESULT STDMETHODCALLTYPE GenerateItemIDAndRevision(const GUserText& directoryPath,
+                                                            const GUserText& fileExtension,
+                                                            std::int32_t& count,
+                                                            ItemIdRevisionList* ids) override;
+        HRESULT STDMETHODCALLTYPE GenerateNextRevisionID(const GUserText& designIdentifier,
+                                                         GUserText* revisionId) override;
+        HRESULT STDMETHODCALLTYPE GetProperties(const PathList& paths,
+                                                const PropertyNameSet& filter,
+                                                FilePropertyList* properties) override;
+        HRESULT STDMETHODCALLTYPE SetDataObject(const GUserText& primaryKey,
+                                                const GUserText& data) override;
+        HRESULT STDMETHODCALLTYPE GetDesignRevisions(const GUserText& designName,
+                                                     PathList* revisionNames) override;
+        HRESULT STDMETHODCALLTYPE AddChildren(const GUserText& parentPath,
+                                              const PathList& childPaths) override;
+        HRESULT STDMETHODCALLTYPE RemoveChildren(const GUserText& parentPath,
+                                                 const PathList& childPaths) override;
+        HRESULT STDMETHODCALLTYPE GetChildren(const GUserText& parentPath,
+                                              RelationMap* children) override;
+        HRESULT STDMETHODCALLTYPE GetCorvaneWUResults(const PathList& paths, RelationMap* whereUsed,
+                                                      bool drawingsOnly) override;
+        HRESULT STDMETHODCALLTYPE LogErrors(std::uint32_t* returnCode) override;
     };
 
     class VANTOSession final : public Nested<IVANTOSession> {
     public:
         using Nested::Nested;
-        VANTO_SESSION_METHODS
+        bool STDMETHODCALLTYPE IsConnected(bool force) override;
+        HRESULT STDMETHODCALLTYPE GetRootFolders(RootFolderSet* rootFolders) override;
+        HRESULT STDMETHODCALLTYPE GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) override;
+        bool STDMETHODCALLTYPE IsCorvaneRunning() override;
+        bool STDMETHODCALLTYPE IsCorvaneInstalled() override;
+        bool STDMETHODCALLTYPE StartCorvaneAndWaitForReadyState(
+            int timeoutMs, bool* timedOut, StopAtTimeoutCallback callback) override;
+        void STDMETHODCALLTYPE DeRegisterFromCorvane() override;
+        bool STDMETHODCALLTYPE IsCorvaneInOffLineMode() override;
+        HRESULT STDMETHODCALLTYPE GetSessionInfo(SessionInfo* info) override;
     };
 
     class VANTOMockSession final : public Nested<IVANTOSession> {
     public:
         using Nested::Nested;
-        VANTO_SESSION_METHODS
+        bool STDMETHODCALLTYPE IsConnected(bool force) override;
+        HRESULT STDMETHODCALLTYPE GetRootFolders(RootFolderSet* rootFolders) override;
+        HRESULT STDMETHODCALLTYPE GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) override;
+        bool STDMETHODCALLTYPE IsCorvaneRunning() override;
+        bool STDMETHODCALLTYPE IsCorvaneInstalled() override;
+        bool STDMETHODCALLTYPE StartCorvaneAndWaitForReadyState(
+            int timeoutMs, bool* timedOut, StopAtTimeoutCallback callback) override;
+        void STDMETHODCALLTYPE DeRegisterFromCorvane() override;
+        bool STDMETHODCALLTYPE IsCorvaneInOffLineMode() override;
+        HRESULT STDMETHODCALLTYPE GetSessionInfo(SessionInfo* info) override;
     };
 
     // `outer` is the aggregating object's unknown, or null.

@@ -4,12 +4,12 @@
 #pragma once
 
 #include "entry/VANTOManager.h"
+#include "log/Guard.h"
 #include "log/VANTOLog.h"
 #include "protocol/Envelope.h"
 
 #include <boost/describe/members.hpp>
 
-#include <exception>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -75,22 +75,11 @@ public:
     // granted or the manager has no proxy.
     bool SessionIsValid() const;
 
-    // Runs `body` inside the guard. Any exception writes the exception line and gives
+    // Runs `body` inside the guard: any exception writes the Execute exception line and gives
     // `onException`; what `body` already did to the caller's data stays.
     template <class Result, class Body>
     Result Guard(Result onException, Body&& body) const noexcept {
-        try {
-            try {
-                return std::forward<Body>(body)();
-            } catch (const std::exception& e) {
-                LogExceptionText(ExecuteExceptionPrefix, e.what());
-            } catch (...) {
-                LogExceptionText(ExecuteExceptionPrefix, ForeignExceptionText);
-            }
-        } catch (...) {
-            // Writing the line failed too (no memory left): the result still goes back.
-        }
-        return onException;
+        return vanto::Guard(onException, ExecuteExceptionPrefix, std::forward<Body>(body));
     }
 
     // Sends `input` with the current session id through the proxy and reads the answer into the

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "VANTO.h"
+#include "log/Guard.h"
 
 #include <cstddef>
 #include <map>
@@ -47,12 +48,10 @@ MockStore* Store() noexcept;
 // What a store-backed method answers: `answer(store)`, or 0x8007000E when there is no store or
 // memory runs out on the way.
 template <class Answer> HRESULT AnswerFromStore(Answer answer) noexcept {
-    try {
+    return Guard(E_OUTOFMEMORY, WithoutLine, [&] {
         const MockStore* store = Store();
         return store != nullptr ? answer(*store) : E_OUTOFMEMORY;
-    } catch (...) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 // Fills `store` from the text of an input file. Never throws; stops at the first fault.

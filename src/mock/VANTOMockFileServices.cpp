@@ -1,6 +1,7 @@
 // The mock file services. The few methods with behaviour answer from the mock store; every other
 // slot opens its scope record and gives a fixed result without touching its arguments.
 #include "entry/VANTOManager.h"
+#include "log/Guard.h"
 #include "log/VANTOLog.h"
 #include "mock/MockStore.h"
 
@@ -49,7 +50,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::CheckOut(FileLock
 
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::IsValidCorvaneFile(
     const PathList& paths, PathMonitoredMap* monitored) {
-    try {
+    return vanto::Guard(E_OUTOFMEMORY, vanto::WithoutLine, [&] {
         for (const GUserText& path : paths) {
             const bool valid = IsValidCorvaneFile(path);
             if (monitored != nullptr) {
@@ -57,9 +58,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOMockFileServices::IsValidCorvaneFil
             }
         }
         return S_OK;
-    } catch (...) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 // A file is valid when its name starts with the root folder, exactly as written there.

@@ -1,5 +1,6 @@
 // The mock session: always connected, never offline. It writes no log records.
 #include "entry/VANTOManager.h"
+#include "log/Guard.h"
 #include "mock/MockStore.h"
 #include "os/Os.h"
 
@@ -23,16 +24,14 @@ VANTOManager::VANTOMockSession::GetRootFolders(RootFolderSet* rootFolders) {
 
 HRESULT STDMETHODCALLTYPE
 VANTOManager::VANTOMockSession::GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) {
-    try {
+    return vanto::Guard(E_OUTOFMEMORY, vanto::WithoutLine, [&] {
         const wchar_t* name = vanto::mock::LogonUser();
         if (user != nullptr) {
             user->loginName = GUserText(name);
             user->displayName = GUserText(name);
         }
         return S_OK;
-    } catch (...) {
-        return E_OUTOFMEMORY;
-    }
+    });
 }
 
 bool STDMETHODCALLTYPE VANTOManager::VANTOMockSession::IsCorvaneRunning() {

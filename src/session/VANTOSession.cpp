@@ -4,17 +4,17 @@
 #include "connector/CorvaneClient.h"
 #include "entry/VANTOManager.h"
 #include "host/HostUtil.h"
+#include "log/Guard.h"
 #include "log/VANTOLog.h"
 #include "os/Os.h"
 #include "protocol/Envelope.h"
+#include "protocol/Numbers.h"
 #include "protocol/registration/Registration.h"
 #include "protocol/registration/SessionOutputs.h"
 #include "session/ClientInformation.h"
 #include "session/SessionState.h"
 
 #include <cstdint>
-#include <exception>
-#include <stdexcept>
 #include <string_view>
 #include <vector>
 
@@ -22,6 +22,7 @@ namespace {
 
 using vanto::SeverityError;
 using vanto::SeverityInformation;
+using Service = VANTOManager::VANTOSession;
 
 constexpr const wchar_t* RootFolderSetting = L"CorvaneRootFolderPath";
 constexpr int CommonUserScope = 1;
@@ -29,30 +30,34 @@ constexpr std::uint32_t ReadyPollMilliseconds = 100;
 
 using vanto::ExecuteExceptionPrefix;
 using vanto::NotAValidSessionText;
+constexpr const wchar_t* LaunchExceptionPrefix = L"Corvane failed to start with exception: ";
+constexpr const wchar_t* DeregisterExceptionPrefix =
+    L"Failure to deregister from Corvane - exception from call : ";
 
 void LogInfo(const VANTOManager& manager, const wchar_t* text) {
     LogMessage(&manager, SeverityInformation, GUserText(text));
-}
-
-void LogException(const VANTOManager& /*manager*/, const wchar_t* prefix, const std::exception& e) {
-    vanto::LogExceptionText(prefix, e.what());
-}
-
-// An exception that is no std::exception must not reach the host either: it is logged like one,
-// with a fixed text in place of its description.
-void LogForeignException(const VANTOManager& /*manager*/, const wchar_t* prefix) {
-    vanto::LogExceptionText(prefix, vanto::ForeignExceptionText);
 }
 
 GUserText Wide(const Core::TevString& text) {
     return GUserText(std::string_view(text));
 }
 
-// Sends one of the bare session commands with the current session id; returns the answer.
-Core::TevString ExecuteSessionCommand(const VANTOManager& manager, const char* command) {
-    Core::CommandIO::CommandInputBase input(command);
+// The session test of the methods that ask the connector; writes the invalid-session line.
+bool SessionIsValid(const VANTOManager& manager) {
+    if (vanto::IsValidSession(manager)) {
+        return true;
+    }
+    LogMessage(&manager, SeverityError, GUserText(NotAValidSessionText));
+    return false;
+}
+
+// Sends one of the session commands (the bare envelope) with the current session id; gives the
+// answer read into the command's output.
+template <class Command>
+typename Command::Output ExecuteSessionCommand(const VANTOManager& manager) {
+    Core::CommandIO::CommandInputBase input(Command::CommandName);
     input.SessionId = vanto::Session().sessionId;
-    return manager.RequireProxy().Execute(input.ToJson());
+    return typename Command::Output(manager.RequireProxy().Execute(input.ToJson()));
 }
 
 // The registration request for this process, logged as it goes out.
@@ -77,31 +82,116 @@ Core::TevString GrantedSessionId(const Core::TevString& answer) {
     return Core::Registration::RegisterClientOutput(answer).SessionId;
 }
 
-// GETCONNECTIONSTATUS: true when the answer has no errors; error code 6 means offline.
+// The connector's root folders into the host's setting. Every differing folder is written in
+// turn: with several, the set's last one stays.
+void StoreRootFolders(Service& self) {
+    wchar_t stored[HostUserValueLength] = {};
+    GetHostCommonUserValue(RootFolderSetting, stored, CommonUserScope);
+    const GUserText storedFolder(stored);
+    RootFolderSet folders;
+    self.GetRootFolders(&folders);
+    for (const GUserText& folder : folders) {
+        if (folder != storedFolder) {
+            SetHostCommonUserValue(RootFolderSetting, folder.c_str(), CommonUserScope);
+        }
+    }
+}
+
+// With a session id granted: registered, and the connector's log file named.
+void AcceptSessionId(Service& self) {
+    if (vanto::Session().sessionId.empty()) {
+        return;
+    }
+    vanto::Session().registered = true;
+    SessionInfo info;
+    self.GetSessionInfo(&info);
+    LogMessage(&self.Manager(), SeverityInformation, GUserText(L"Corvane Log File Path is : %s "),
+               info.corvaneLogPath);
+}
+
+// IsConnected's registration. False after an exception; one from the connector's link is
+// logged on its own and the method goes on, an id kept from before counting as registered.
+bool RegisterOnConnect(Service& self) {
+    vanto::SessionState& state = vanto::Session();
+    const VANTOManager& manager = self.Manager();
+    const auto communicationFailed = [&](const Corvane::CorvaneCommunicationException& e) {
+        LogMessage(&manager, SeverityError, GUserText(L"Exception occurred in API : %s "),
+                   Wide(e.GetExceptionMessage()));
+        if (!state.sessionId.empty()) {
+            state.registered = true;
+        }
+        return true;
+    };
+    return vanto::Guard(
+        false, ExecuteExceptionPrefix,
+        [&] {
+            state.firstConnect = false;
+            const Core::TevString request = RegisterInput(manager);
+            state.sessionId = GrantedSessionId(manager.Proxy()->RegisterClient(request)).str();
+            StoreRootFolders(self);
+            LogMessage(&manager, SeverityInformation, GUserText(L"Corvane Session Id is : %s "),
+                       GUserText(state.sessionId));
+            AcceptSessionId(self);
+            return true;
+        },
+        vanto::Expect<Corvane::CorvaneCommunicationException>(communicationFailed));
+}
+
+// The start's registration: a registration left over from an earlier start is ended first; the
+// register call returning counts as registered, with or without an id. False after an exception.
+bool RegisterOnStart(Service& self) {
+    vanto::SessionState& state = vanto::Session();
+    const VANTOManager& manager = self.Manager();
+    return vanto::Guard(false, ExecuteExceptionPrefix, [&] {
+        const Core::TevString request = RegisterInput(manager);
+        self.DeRegisterFromCorvane();
+        const Core::TevString answer = manager.RequireProxy().RegisterClient(request);
+        state.registered = true;
+        state.sessionId = GrantedSessionId(answer).str();
+        LogMessage(&manager, SeverityInformation,
+                   GUserText(L"Corvane Auto Start Session Id is : %s "),
+                   GUserText(state.sessionId));
+        AcceptSessionId(self);
+        return true;
+    });
+}
+
+// Polls every 100 ms until the connector is ready; false once past `timeoutMs` unless the
+// callback asks to wait on.
+bool WaitUntilReady(const VANTOManager& manager, Corvane::CorvaneApplication& application,
+                    int timeoutMs, StopAtTimeoutCallback callback) {
+    std::int64_t elapsed = 0;
+    while (!application.IsReady()) {
+        bool stopAtTimeout = true;
+        if (callback != nullptr) {
+            callback(&stopAtTimeout);
+        }
+        if (elapsed > timeoutMs && stopAtTimeout) {
+            LogInfo(manager, L"Connector was not running, Launching Connector from "
+                             L"StartCorvaneAndWaitForReadyState has timed out.");
+            return false;
+        }
+        elapsed += ReadyPollMilliseconds;
+        platform::os::SleepMilliseconds(ReadyPollMilliseconds);
+    }
+    return true;
+}
+
+// GETCONNECTIONSTATUS: true when the answer has no errors; an offline error sets the flag.
 bool CheckConnectionStatus(const VANTOManager& manager) {
-    if (!vanto::IsValidSession(manager)) {
-        LogMessage(&manager, SeverityError, GUserText(NotAValidSessionText));
+    if (!SessionIsValid(manager)) {
         return false;
     }
-    try {
-        const Corvane::CommandIO::CommandOutputBase output(
-            ExecuteSessionCommand(manager, "GETCONNECTIONSTATUS"));
-        if (output.Errors.empty()) {
-            return true;
-        }
+    return vanto::Guard(false, ExecuteExceptionPrefix, [&] {
+        const auto output =
+            ExecuteSessionCommand<vanto::protocol::GetConnectionStatusCommand>(manager);
         for (const auto& error : output.Errors) {
-            if (error && error->ErrorCode == 6) {
+            if (error && error->ErrorCode == vanto::protocol::ReturnCode::Offline) {
                 vanto::Session().offline = true;
             }
         }
-        return false;
-    } catch (const std::exception& e) {
-        LogException(manager, ExecuteExceptionPrefix, e);
-        return false;
-    } catch (...) {
-        LogForeignException(manager, ExecuteExceptionPrefix);
-        return false;
-    }
+        return output.Errors.empty();
+    });
 }
 
 } // namespace
@@ -114,61 +204,21 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsConnected(bool force) {
     }
     state.offline = false;
     LogInfo(owner_, L"Corvane mode is ON.");
-
-    if (owner_.Proxy() != nullptr && Corvane::CorvaneApplication().IsReady() &&
-        !(state.registered && !state.sessionId.empty())) {
-        try {
-            state.firstConnect = false;
-            const Core::TevString request = RegisterInput(owner_);
-            state.sessionId = GrantedSessionId(owner_.Proxy()->RegisterClient(request)).str();
-
-            wchar_t stored[HostUserValueLength] = {};
-            GetHostCommonUserValue(RootFolderSetting, stored, CommonUserScope);
-            const GUserText storedFolder(stored);
-            RootFolderSet folders;
-            GetRootFolders(&folders);
-            // Every differing folder is written in turn: with several, the set's last one stays.
-            for (const GUserText& folder : folders) {
-                if (folder != storedFolder) {
-                    SetHostCommonUserValue(RootFolderSetting, folder.c_str(), CommonUserScope);
-                }
-            }
-
-            LogMessage(&owner_, SeverityInformation, GUserText(L"Corvane Session Id is : %s "),
-                       GUserText(state.sessionId));
-            if (!state.sessionId.empty()) {
-                state.registered = true;
-                SessionInfo info;
-                GetSessionInfo(&info);
-                LogMessage(&owner_, SeverityInformation,
-                           GUserText(L"Corvane Log File Path is : %s "), info.corvaneLogPath);
-            }
-        } catch (const Corvane::CorvaneCommunicationException& e) {
-            LogMessage(&owner_, SeverityError, GUserText(L"Exception occurred in API : %s "),
-                       Wide(e.GetExceptionMessage()));
-            if (!state.sessionId.empty()) {
-                state.registered = true;
-            }
-        } catch (const std::exception& e) {
-            LogException(owner_, ExecuteExceptionPrefix, e);
-            return false;
-        } catch (...) {
-            LogForeignException(owner_, ExecuteExceptionPrefix);
-            return false;
-        }
+    const bool toRegister = owner_.Proxy() != nullptr && Corvane::CorvaneApplication().IsReady() &&
+                            !(state.registered && !state.sessionId.empty());
+    if (toRegister && !RegisterOnConnect(*this)) {
+        return false;
     }
     return CheckConnectionStatus(owner_);
 }
 
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetRootFolders(RootFolderSet* rootFolders) {
     const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOSession::GetRootFolders");
-    if (!vanto::IsValidSession(owner_)) {
-        LogMessage(&owner_, SeverityError, GUserText(NotAValidSessionText));
+    if (!SessionIsValid(owner_)) {
         return S_OK;
     }
-    try {
-        const Corvane::CommandIO::DataManagement::CorvaneGetRootFoldersOutput output(
-            ExecuteSessionCommand(owner_, "GETCORVANEROOTFOLDERS"));
+    return vanto::Guard(S_OK, ExecuteExceptionPrefix, [&]() -> HRESULT {
+        const auto output = ExecuteSessionCommand<vanto::protocol::GetRootFoldersCommand>(owner_);
         if (!output.Errors.empty()) {
             return E_FAIL;
         }
@@ -181,19 +231,15 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetRootFolders(RootFolderS
         if (rootFolders != nullptr) {
             rootFolders->insert(found.begin(), found.end());
         }
-    } catch (const std::exception& e) {
-        LogException(owner_, ExecuteExceptionPrefix, e);
-    } catch (...) {
-        LogForeignException(owner_, ExecuteExceptionPrefix);
-    }
-    return S_OK;
+        return S_OK;
+    });
 }
 
 HRESULT STDMETHODCALLTYPE
 VANTOManager::VANTOSession::GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) {
     const LogEntry scope =
         vanto::OpenScope(L"VANTOManager::VANTOSession::GetCurrentLoggedInUserInfo");
-    try {
+    return vanto::Guard(S_OK, ExecuteExceptionPrefix, [&] {
         if (vanto::IsValidSession(owner_) && !vanto::Session().sessionId.empty()) {
             // Asking for the user counts as proof of registration; the host relies on it.
             vanto::Session().registered = true;
@@ -203,12 +249,8 @@ VANTOManager::VANTOSession::GetCurrentLoggedInUserInfo(LoggedInUserInfo* user) {
                 user->email = info.userEmail;
             }
         }
-    } catch (const std::exception& e) {
-        LogException(owner_, ExecuteExceptionPrefix, e);
-    } catch (...) {
-        LogForeignException(owner_, ExecuteExceptionPrefix);
-    }
-    return S_OK;
+        return S_OK;
+    });
 }
 
 bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsCorvaneRunning() {
@@ -232,71 +274,31 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::StartCorvaneAndWaitForReadySt
     int timeoutMs, bool* timedOut, StopAtTimeoutCallback callback) {
     const LogEntry scope =
         vanto::OpenScope(L"VANTOManager::VANTOSession::StartCorvaneAndWaitForReadyState");
-    vanto::SessionState& state = vanto::Session();
     if (timedOut != nullptr) {
         *timedOut = false;
     }
     // Stays on unless a later IsConnected finds work to do.
-    state.offline = true;
+    vanto::Session().offline = true;
 
     Corvane::CorvaneApplication application;
     if (!IsCorvaneRunning()) {
         LogInfo(owner_, L"Connector was not running, hence launching Connector from "
                         L"StartCorvaneAndWaitForReadyState!!");
-        try {
+        const bool launched = vanto::Guard(false, LaunchExceptionPrefix, [&] {
             application.LaunchApplication(Core::TevString());
-        } catch (const std::exception& e) {
-            LogException(owner_, L"Corvane failed to start with exception: ", e);
-            return false;
-        } catch (...) {
-            LogForeignException(owner_, L"Corvane failed to start with exception: ");
+            return true;
+        });
+        if (!launched) {
             return false;
         }
     }
-
-    std::int64_t elapsed = 0;
-    while (!application.IsReady()) {
-        bool stopAtTimeout = true;
-        if (callback != nullptr) {
-            callback(&stopAtTimeout);
+    if (!WaitUntilReady(owner_, application, timeoutMs, callback)) {
+        if (timedOut != nullptr) {
+            *timedOut = true;
         }
-        if (elapsed > timeoutMs && stopAtTimeout) {
-            LogInfo(owner_, L"Connector was not running, Launching Connector from "
-                            L"StartCorvaneAndWaitForReadyState has timed out.");
-            if (timedOut != nullptr) {
-                *timedOut = true;
-            }
-            return false;
-        }
-        elapsed += ReadyPollMilliseconds;
-        platform::os::SleepMilliseconds(ReadyPollMilliseconds);
-    }
-
-    try {
-        const Core::TevString request = RegisterInput(owner_);
-        // A registration left over from an earlier start is ended before the new one.
-        DeRegisterFromCorvane();
-        const Core::TevString answer = owner_.RequireProxy().RegisterClient(request);
-        state.registered = true;
-        state.sessionId = GrantedSessionId(answer).str();
-        LogMessage(&owner_, SeverityInformation,
-                   GUserText(L"Corvane Auto Start Session Id is : %s "),
-                   GUserText(state.sessionId));
-        if (!state.sessionId.empty()) {
-            state.registered = true;
-            SessionInfo info;
-            GetSessionInfo(&info);
-            LogMessage(&owner_, SeverityInformation, GUserText(L"Corvane Log File Path is : %s "),
-                       info.corvaneLogPath);
-        }
-    } catch (const std::exception& e) {
-        LogException(owner_, ExecuteExceptionPrefix, e);
-        return false;
-    } catch (...) {
-        LogForeignException(owner_, ExecuteExceptionPrefix);
         return false;
     }
-    return CheckConnectionStatus(owner_);
+    return RegisterOnStart(*this) && CheckConnectionStatus(owner_);
 }
 
 void STDMETHODCALLTYPE VANTOManager::VANTOSession::DeRegisterFromCorvane() {
@@ -308,18 +310,14 @@ void STDMETHODCALLTYPE VANTOManager::VANTOSession::DeRegisterFromCorvane() {
                         L"called so nothing to do.");
         return;
     }
-    try {
+    vanto::Guard(DeregisterExceptionPrefix, [&] {
         Core::Registration::DeRegisterClientInput input;
         input.SessionId = state.sessionId;
         owner_.RequireProxy().DeRegisterClient(input.ToJson());
         // The session id stays: commands keep carrying it after deregistration.
         state.registered = false;
         LogInfo(owner_, L"Deregistered from Corvane");
-    } catch (const std::exception& e) {
-        LogException(owner_, L"Failure to deregister from Corvane - exception from call : ", e);
-    } catch (...) {
-        LogForeignException(owner_, L"Failure to deregister from Corvane - exception from call : ");
-    }
+    });
 }
 
 bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsCorvaneInOffLineMode() {
@@ -329,13 +327,11 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOSession::IsCorvaneInOffLineMode() {
 
 HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetSessionInfo(SessionInfo* info) {
     const LogEntry scope = vanto::OpenScope(L"VANTOManager::VANTOSession::GetSessionInfo");
-    if (!vanto::IsValidSession(owner_)) {
-        LogMessage(&owner_, SeverityError, GUserText(NotAValidSessionText));
+    if (!SessionIsValid(owner_)) {
         return S_OK;
     }
-    try {
-        const Corvane::CommandIO::Generic::CorvaneGetSessionInfoOutput output(
-            ExecuteSessionCommand(owner_, "GETSESSIONINFO"));
+    return vanto::Guard(S_OK, ExecuteExceptionPrefix, [&] {
+        const auto output = ExecuteSessionCommand<vanto::protocol::GetSessionInfoCommand>(owner_);
         if (!output.Errors.empty()) {
             LogMessage(&owner_, SeverityError, GUserText(L"Failed to get session information."));
             return S_OK;
@@ -354,10 +350,6 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOSession::GetSessionInfo(SessionInfo
                    received.corvaneLogPath);
         LogMessage(&owner_, SeverityInformation, GUserText(L"Cloud Gateway Log Path is : %s"),
                    received.cloudGatewayLogPath);
-    } catch (const std::exception& e) {
-        LogException(owner_, ExecuteExceptionPrefix, e);
-    } catch (...) {
-        LogForeignException(owner_, ExecuteExceptionPrefix);
-    }
-    return S_OK;
+        return S_OK;
+    });
 }

@@ -120,26 +120,6 @@ TEST(ClassFactory, AggregationAsksForTheInnerUnknownOnly) {
     EXPECT_EQ(0u, outer.inner->Release());
 }
 
-TEST(Manager, HandsOutEachInterfaceAndRefusesOthers) {
-    testsupport::ManagerHandle manager;
-    void* out = &manager;
-    EXPECT_EQ(E_NOINTERFACE, manager.Unknown()->QueryInterface(IID_IClassFactory, &out));
-    EXPECT_EQ(nullptr, out);
-
-    IVANTOSession* session = manager.Session();
-    ASSERT_NE(nullptr, session);
-    EXPECT_NE(static_cast<void*>(session), static_cast<void*>(manager.MockSession()));
-    EXPECT_NE(static_cast<void*>(manager.FileServices()),
-              static_cast<void*>(manager.MockFileServices()));
-
-    // A nested interface raises the manager's own count and reaches its siblings.
-    IVANTOFileServices* files =
-        testsupport::Query<IVANTOFileServices>(session, IID_IVANTOFileServices);
-    ASSERT_EQ(manager.FileServices(), files);
-    EXPECT_EQ(2u, testsupport::RefCount(manager.Unknown()));
-    EXPECT_EQ(1u, files->Release());
-}
-
 // The built module loaded as a host loads it, reached through its exports alone.
 TEST(ModuleLoad, ExportsOnlyTheEntryPointsAndReachesAllFourInterfaces) {
     platform::os::DynamicLibrary module(VANTO_MODULE_PATH);

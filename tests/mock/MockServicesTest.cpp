@@ -1,6 +1,7 @@
 // The mock session and file services as a host sees them, answered from the input file, and the
 // input files a host may find at the fixed path: none, empty, broken, hostile or very large. Each
 // test gets its own drive Z:, a fresh mock store and a manager made as a host makes it.
+#include "fileservices/SlotTable.h"
 #include "host/GUserFileName.h"
 #include "host/HostLog.h"
 #include "mock/MockStore.h"
@@ -8,6 +9,8 @@
 #include "support/DriveRoot.h"
 
 #include <filesystem>
+#include <map>
+#include <set>
 #include <string>
 
 namespace {
@@ -79,17 +82,15 @@ TEST_F(MockTest, NoStoreMeansOutOfMemoryUntilOneCanBeMade) {
     EXPECT_EQ(GUserText(L"alice"), status.checkedOutBy);
 }
 
-TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecordsAndTheRootFolderIsMade) {
+// The mock session is always connected and writes no log records; the store's root folder is
+// created by the first call that asks for it.
+TEST_F(MockTest, TheSessionIsAlwaysConnectedSilentAndMakesTheRootFolder) {
     WriteInput(Sample);
     drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
     ASSERT_FALSE(GUserFileName(GUserText(L"Z:\\PDM\\VANTO\\Root")).Exists());
     CapturingLogSink log;
     RootFolderSet roots{GUserText(L"C:\\Existing")};
     LoggedInUserInfo user;
-    FileCheckInList items;
-    FileLockStatusMap locks;
-    PathMonitoredMap monitored;
-    FileStatusInformation status;
     bool timedOut = true;
     SessionInfo info{L"kept", L"", L"", L""};
     EXPECT_TRUE(session->IsConnected(true) && session->IsCorvaneRunning() &&
@@ -99,24 +100,79 @@ TEST_F(MockTest, OnlyTheFileServiceStubsWriteLogRecordsAndTheRootFolderIsMade) {
     session->DeRegisterFromCorvane();
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(GUserText(L"kept"), info.authenticatedUserName);
-    // The root folder is created and added to the caller's set; once there, it is fine.
     ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
     EXPECT_EQ((RootFolderSet{L"C:\\Existing", L"Z:\\PDM\\VANTO\\Root"}), roots);
     EXPECT_TRUE(std::filesystem::is_directory(drive.Native(L"Z:\\PDM\\VANTO\\Root")));
     ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
-    session->GetCurrentLoggedInUserInfo(&user);
-    files->CheckIn(&items);
-    files->CheckOut(&locks);
-    files->IsValidCorvaneFile(PathList{L"Z:\\a"}, &monitored);
-    files->GetStatusInformation(L"Z:\\a", &status);
+    EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
     EXPECT_TRUE(log.records.empty());
+}
 
-    EXPECT_EQ(S_OK, files->AttachDocumentToRevision(RevisionAttachmentList(3)));
-    EXPECT_TRUE(files->IsFileSynchronized(L"Z:\\a"));
-    const std::wstring tag = L"VANTOManager::VANTOMockFileServices::";
-    EXPECT_EQ(
-        (std::vector<std::wstring>{tag + L"AttachDocumentToRevision", tag + L"IsFileSynchronized"}),
-        log.ScopesOpened());
+// The mock's answer in each file-service slot where it is not S_OK, with a store that knows the
+// slot table's first path (checked in and out by another user, with an error code).
+const std::map<std::string, std::string> MockResults = {{"IsValidCorvaneFile(path)", "true"},
+                                                        {"IsNewRevisionAvailable", "false"},
+                                                        {"IsNewVersionAvailable", "false"},
+                                                        {"IsFileSynchronized", "true"}};
+// The slots answered from the store: they write no log records.
+const std::set<std::string> FromStore = {"CheckIn", "CheckOut", "IsValidCorvaneFile(list)",
+                                         "IsValidCorvaneFile(path)", "GetStatusInformation"};
+
+// What a call can change of the slot arguments, as one comparable value.
+std::vector<std::wstring> Observed(const testsupport::SlotArguments& a) {
+    const auto n = [](std::size_t size) { return std::to_wstring(size); };
+    const FileLockStatus& lock = a.locks.begin()->second;
+    return {std::to_wstring(a.checkIns[0].errorCode) + a.checkIns[0].lockedBy.wstr(),
+            n(lock.isCheckedOut) + n(lock.isCheckedOutByCurrentUser) + lock.checkedOutBy.wstr(),
+            n(a.monitored.size()) + (a.monitored.empty() ? L"" : n(a.monitored.begin()->second)),
+            a.status.checkedOutBy.wstr() + n(a.status.isCheckedOutByMe) +
+                n(a.status.isNewVersionAvailable),
+            n(a.stamps.size()),
+            a.uids.begin()->second.wstr(),
+            n(a.contexts.size()),
+            n(a.containers.size()),
+            std::to_wstring(a.containerStatus),
+            n(a.permissions.size()),
+            std::to_wstring(a.count),
+            n(a.ids.size()),
+            a.revision.wstr(),
+            n(a.properties.size()),
+            n(a.names.size()),
+            n(a.relations.size()),
+            std::to_wstring(a.code)};
+}
+
+// Every file-service slot of the mock: it reaches the method of its name, which opens and closes
+// its scope record unless it answers from the store, asks no connector, writes no line and
+// leaves the caller's data as it came, but for what the store tells about the known file.
+TEST_F(MockTest, EachSlotGivesItsAnswerAndLeavesTheCallersData) {
+    using namespace testsupport::slots;
+    WriteInput("<xml><RootFolder>C:\\Corvane</RootFolder><OrbexUserName>Ann</OrbexUserName>"
+               "<Files><F><FileName>c:\\corvane\\pump\\housing.par</FileName>"
+               "<CheckIn>no</CheckIn><CheckedOut>no</CheckedOut><CheckedOutBy>bob</CheckedOutBy>"
+               "<ErrorCode>DAL_E_CHECKED_OUT_TO_OTHER_USER</ErrorCode></F></Files></xml>");
+    for (Method method : FileServiceMethods()) {
+        SCOPED_TRACE(method.name);
+        method.prepare = [](Rig& r) { r.files = r.manager.MockFileServices(); };
+        const MethodRun run = RunMethod(method, [](Corvane::FakeConnector&) {});
+        const auto result = MockResults.find(method.name);
+        EXPECT_EQ(result != MockResults.end() ? result->second : "S_OK", run.result);
+        std::vector<std::wstring> scopes;
+        if (FromStore.count(method.name) == 0) {
+            scopes.push_back(L"VANTOManager::VANTOMockFileServices::" +
+                             GUserText(method.name).wstr());
+        }
+        EXPECT_EQ(scopes, run.scopes);
+        EXPECT_EQ(static_cast<std::ptrdiff_t>(scopes.size()), run.closed);
+        EXPECT_TRUE(!run.escaped && run.calls.empty() && run.errors.empty() && run.leaked == 0);
+        testsupport::SlotArguments expected = Arguments();
+        if (method.name == "IsValidCorvaneFile(list)") {
+            expected.monitored = {{PathA, true}};
+        } else if (method.name == "GetStatusInformation") {
+            expected.status.checkedOutBy = L"bob";
+        }
+        EXPECT_EQ(Observed(expected), Observed(run.args));
+    }
 }
 
 int g_userReads = 0;
@@ -147,53 +203,28 @@ TEST_F(MockTest, LogonUserIsReadOncePerProcessIntoBothTexts) {
     vanto::mock::SetUserNameSourceForTesting(previous);
 }
 
-TEST_F(MockTest, StatusLooksFilesUpIgnoringCaseAndTheFirstEntryWins) {
+// Beyond the slot walk: the first of two entries differing in case wins, the user is matched
+// ignoring case, an unknown file leaves the status alone, and the root folder is matched as
+// written.
+TEST_F(MockTest, StatusTakesTheFirstEntryAndValidityTheRootAsWritten) {
     WriteInput(Sample);
     FileStatusInformation status;
     ASSERT_EQ(S_OK, files->GetStatusInformation(L"z:\\pdm\\vanto\\root\\BRACKET.par", &status));
     EXPECT_EQ(GUserText(L"alice"), status.checkedOutBy); // not the later "carol"
     EXPECT_TRUE(status.isCheckedOutByMe);                // "Alice" in the file
-    ASSERT_EQ(S_OK, files->GetStatusInformation(L"Z:\\PDM\\VANTO\\Root\\housing.asm", &status));
-    EXPECT_EQ(GUserText(L"bob"), status.checkedOutBy);
-    EXPECT_FALSE(status.isCheckedOutByMe);
-
     FileStatusInformation untouched{true, true, L"earlier", 1, 1};
     ASSERT_EQ(S_OK, files->GetStatusInformation(L"Z:\\PDM\\VANTO\\Root\\none.par", &untouched));
     EXPECT_EQ(GUserText(L"earlier"), untouched.checkedOutBy);
     EXPECT_TRUE(untouched.isCheckedOutByMe);
-    EXPECT_EQ(2u, Store().files.size());
     EXPECT_EQ(GUserText(L"alice"), Store().projects.at(L"Gearbox").owner);
 
-    // Valid files begin with the root folder as written.
-    EXPECT_TRUE(files->IsValidCorvaneFile(GUserText(L"Z:\\PDM\\VANTO\\Root\\not-there.par")));
-    EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"z:\\pdm\\vanto\\root\\bracket.par")));
-    EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"Z:\\PDM\\VANTO\\Roo")));
     PathMonitoredMap monitored{{L"C:\\kept.par", true}};
-    const PathList paths{L"Z:\\PDM\\VANTO\\Root\\a.par", L"C:\\kept.par", L"C:\\b.par"};
+    const PathList paths{L"z:\\pdm\\vanto\\root\\a.par", L"C:\\kept.par", L"Z:\\PDM\\VANTO\\Roo"};
     ASSERT_EQ(S_OK, files->IsValidCorvaneFile(paths, &monitored));
-    EXPECT_EQ((PathMonitoredMap{{L"Z:\\PDM\\VANTO\\Root\\a.par", true},
+    EXPECT_EQ((PathMonitoredMap{{L"z:\\pdm\\vanto\\root\\a.par", false},
                                 {L"C:\\kept.par", true},
-                                {L"C:\\b.par", false}}),
+                                {L"Z:\\PDM\\VANTO\\Roo", false}}),
               monitored);
-}
-
-TEST_F(MockTest, CheckInAndCheckOutLeaveTheCallersItemsAsTheyCame) {
-    WriteInput(
-        "<xml><Files><F><FileName>a</FileName><CheckIn>no</CheckIn><CheckedOut>no</CheckedOut>"
-        "<ErrorCode>DAL_E_CHECKED_OUT_TO_OTHER_USER</ErrorCode></F></Files></xml>");
-    FileCheckInList items{{L"A", 7, L"someone"}, {L"unknown", 0, L""}};
-    EXPECT_EQ(S_OK, files->CheckIn(&items));
-    ASSERT_EQ(2u, items.size());
-    EXPECT_TRUE(items[0].fileName == L"A" && items[0].errorCode == 7 &&
-                items[0].lockedBy == L"someone");
-    EXPECT_TRUE(items[1].fileName == L"unknown" && items[1].errorCode == 0 &&
-                items[1].lockedBy.IsEmpty());
-
-    FileLockStatusMap locks{{L"a", {true, true, false, L"me"}}};
-    EXPECT_EQ(S_OK, files->CheckOut(&locks));
-    const FileLockStatus& lock = locks.at(L"a");
-    EXPECT_TRUE(lock.isCheckedOut && lock.isCheckedOutByCurrentUser && !lock.isNewVersionAvailable);
-    EXPECT_EQ(GUserText(L"me"), lock.checkedOutBy);
 }
 
 // The results worked out per item are handed to nobody; they are checked on the store itself.
