@@ -84,10 +84,9 @@ TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
                   R"({"Command":"GETCONNECTIONSTATUS","SessionId":")" + sessionId + "\"}"));
     EXPECT_TRUE(status.Errors.empty());
     emulator.Stop();
-    corvane::emulator::Store store((fs::path(emulator.DataFolder()) / "corvane.db").string());
-    EXPECT_EQ("ok", store.Db().QueryText("PRAGMA integrity_check").value_or(""));
-    EXPECT_EQ(static_cast<std::int64_t>(parts.size()),
-              store.Db().QueryInt("SELECT COUNT(*) FROM documents"));
+    vanto::emulator::Store store((fs::path(emulator.DataFolder()) / "corvane.db").string());
+    EXPECT_EQ("ok", store.IntegrityCheck());
+    EXPECT_EQ(static_cast<std::int64_t>(parts.size()), store.Count().documents);
     fs::remove_all(workspace);
 }
 

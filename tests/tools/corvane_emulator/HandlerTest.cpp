@@ -15,7 +15,7 @@
 
 namespace {
 
-using namespace corvane::emulator;
+using namespace vanto::emulator;
 using namespace Corvane::CommandIO;
 using namespace Corvane::CommandIO::DataManagement;
 using namespace Corvane::CommandIO::DataManagement::MCAD;
@@ -368,14 +368,33 @@ TEST_F(EmulatorHandler, HostileBodiesGetErrorsAndChangeNothing) {
     EXPECT_EQ(before, Control(R"({"Action":"documents"})"));
 }
 
-TEST(EmulatorStore, RefusesADatabaseOfAnotherSchemaVersion) {
+// A database written by this emulator, then marked as another emulator would have left it: the
+// first one kept its version as a row of its settings, before the database's user_version.
+TEST(EmulatorStore, OpensOrMovesOverKnownVersionsAndRefusesOthers) {
+    const struct {
+        const char* marking;
+        bool opens;
+    } cases[] = {
+        {"", true},
+        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '1')", true},
+        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '99')", false},
+        {"PRAGMA user_version = 0", false},
+        {"PRAGMA user_version = 99", false},
+    };
     const auto path = std::filesystem::temp_directory_path() / "vanto-schema-version.db";
-    std::filesystem::remove(path);
-    {
+    for (const auto& c : cases) {
+        std::filesystem::remove(path);
+        Store(path.string()).EnsureUser("Cy");
+        Database(path.string()).Execute(c.marking);
+        if (!c.opens) {
+            EXPECT_THROW(Store{path.string()}, SqliteError) << c.marking;
+            continue;
+        }
         Store store(path.string());
-        store.Db().Execute("UPDATE meta SET value = '99' WHERE key = 'schema_version'");
+        EXPECT_TRUE(store.FindUser("Cy")) << c.marking;
+        EXPECT_EQ(1, Database(path.string()).QueryInt("PRAGMA user_version")) << c.marking;
+        EXPECT_EQ("", store.Setting("schema_version")) << c.marking;
     }
-    EXPECT_THROW(Store{path.string()}, SqliteError);
     std::filesystem::remove(path);
 }
 
