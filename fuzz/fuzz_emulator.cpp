@@ -7,6 +7,8 @@
 #include "Handler.h"
 #include "Require.h"
 
+#include "protocol/Numbers.h"
+
 #include <boost/json.hpp>
 
 #include <algorithm>
@@ -18,7 +20,7 @@
 
 namespace {
 
-using namespace corvane::emulator;
+using namespace vanto::emulator;
 using vanto::fuzz::Require;
 
 // The session every input may use; the starting corpus names it.
@@ -39,40 +41,21 @@ HandlerOptions Options() {
 class Emulator {
 public:
     Emulator() : store_(":memory:") {
-        {
-            Handler handler(store_, Options());
-            handler.Handle("register",
-                           R"({"ProcessId":4242,"ProcessStartTime":"2024-3-7T09:05:02"})");
-        }
-        Database& db = store_.Db();
-        db.Run("UPDATE sessions SET id = ?", std::string(TheSession));
-        std::vector<std::string> tables;
-        Statement names = db.Prepare("SELECT name FROM main.sqlite_master WHERE type = 'table' AND "
-                                     "name NOT LIKE 'sqlite_%'");
-        while (names.Step()) {
-            tables.push_back(names.Text(0));
-        }
-        db.Execute("ATTACH DATABASE ':memory:' AS saved");
-        for (const std::string& table : tables) {
-            db.Execute("CREATE TABLE saved." + table + " AS SELECT * FROM main." + table);
-            restore_.push_back("DELETE FROM main." + table);
-            restore_.push_back("INSERT INTO main." + table + " SELECT * FROM saved." + table);
-        }
+        const Handler handler(store_, Options());
+        Transaction transaction = store_.Begin();
+        store_.OpenSession(
+            {TheSession, store_.FindUser(Options().user)->key, 4242, "2024-3-7T09:05:02"});
+        transaction.Commit();
+        store_.SaveSnapshot();
     }
 
     Store& Fresh() {
-        Database& db = store_.Db();
-        db.Execute("PRAGMA foreign_keys = OFF; BEGIN");
-        for (const std::string& sql : restore_) {
-            db.Prepare(sql).Run(); // prepared once, kept by the database
-        }
-        db.Execute("COMMIT; PRAGMA foreign_keys = ON");
+        store_.RestoreSnapshot();
         return store_;
     }
 
 private:
     Store store_;
-    std::vector<std::string> restore_;
 };
 
 // An answer is one JSON object, and without error code 1 (what the handler answers when a command
@@ -88,7 +71,8 @@ void CheckAnswer(const std::string& text, bool failureAskedFor) {
     for (const boost::json::value& entry : errors->get_array()) {
         const boost::json::value* code =
             entry.is_object() ? entry.get_object().if_contains("ErrorCode") : nullptr;
-        Require(failureAskedFor || code == nullptr || !code->is_int64() || code->get_int64() != 1,
+        Require(failureAskedFor || code == nullptr || !code->is_int64() ||
+                    code->get_int64() != vanto::protocol::ReturnCode::Fail,
                 "no command fails inside");
     }
 }
@@ -108,8 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string_view operation = line.substr(0, space);
         const std::string_view request = line.substr(std::min(space + 1, line.size()));
 
-        const bool failureAskedFor =
-            store.Db().QueryInt("SELECT 1 FROM faults WHERE fail_code = 1").has_value();
+        const bool failureAskedFor = store.AnyFaultAnswers(vanto::protocol::ReturnCode::Fail);
         CheckAnswer(handler.Handle(operation, request).text, failureAskedFor);
     }
     return 0;

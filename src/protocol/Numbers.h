@@ -57,8 +57,15 @@ enum : std::int32_t {
 // "ComparisionOp" of a search term and "Operator" of a search definition.
 namespace Search {
 inline constexpr std::int32_t CompareEquals = 0;
+inline constexpr std::int32_t CompareContains = 1;
+inline constexpr std::int32_t CompareStartsWith = 2;
 inline constexpr std::int32_t AllTerms = 1;
 } // namespace Search
+
+// "PropertyType" of a property.
+namespace PropertyType {
+inline constexpr std::int32_t Text = 0;
+} // namespace PropertyType
 
 // "AccessPermission": a file's level of access for the signed-in user.
 namespace Permission {

@@ -5,7 +5,7 @@
 
 #include <boost/json.hpp>
 
-namespace corvane::emulator {
+namespace vanto::emulator {
 
 namespace {
 
@@ -52,12 +52,7 @@ std::string Handler::Control(std::string_view request) {
     const std::string action = Field(in, "Action");
     json::object out{{"Ok", true}};
 
-    Transaction transaction(store_.Db());
-    Database& db = store_.Db();
-    const auto flag = [&](const char* column, bool value) {
-        db.Run(std::string("UPDATE users SET ") + column + " = ? WHERE id = ?",
-               std::int64_t{value ? 1 : 0}, user_);
-    };
+    Transaction transaction = store_.Begin();
     // The document and the other user a request acts on, or an error text.
     const auto target = [&](std::optional<Document>& d, std::int64_t& user) -> std::string {
         const std::string name = Field(in, "User");
@@ -76,12 +71,10 @@ std::string Handler::Control(std::string_view request) {
         out["User"] = user->name;
         out["Online"] = user->online;
         out["SignedIn"] = user->signedIn;
-        out["Documents"] = *db.QueryInt("SELECT COUNT(*) FROM documents");
-        out["Locks"] =
-            *db.QueryInt("SELECT COUNT(*) FROM documents WHERE lock_user IS NOT NULL AND "
-                         "(lock_until IS NULL OR lock_until > ?)",
-                         NowSeconds());
-        out["Sessions"] = *db.QueryInt("SELECT COUNT(*) FROM sessions");
+        const Tally tally = store_.Count();
+        out["Documents"] = tally.documents;
+        out["Locks"] = tally.locks;
+        out["Sessions"] = tally.sessions;
         out["SchemaVersion"] = SchemaVersion;
         out["DataFolder"] = options_.dataFolder;
     } else if (action == "documents" || action == "locks") {
@@ -104,33 +97,31 @@ std::string Handler::Control(std::string_view request) {
         } else if (action == "unlock") {
             store_.ClearLock(d->key);
         } else {
-            out["CloudVersion"] = store_.SaveNewVersion(d->key, other);
+            out["CloudVersion"] = store_.SaveNewVersion(d->key);
         }
         out["Document"] = Listing(*store_.DocumentByKey(d->key));
     } else if (action == "offline" || action == "online") {
-        flag("online", action == "online");
+        store_.SetOnline(user_, action == "online");
     } else if (action == "signout" || action == "signin") {
-        flag("signed_in", action == "signin");
+        store_.SetSignedIn(user_, action == "signin");
         if (action == "signout") {
-            db.Run("DELETE FROM sessions WHERE user_id = ?", user_);
+            store_.CloseSessionsOf(user_);
         }
     } else if (action == "fault") {
         const std::string command = Field(in, "Command");
         if (command.empty()) {
             return Failure("no \"Command\" given");
         }
-        db.Run("INSERT OR REPLACE INTO faults(command, latency_ms, fail_code, remaining) "
-               "VALUES (?, ?, ?, ?)",
-               command, std::max<std::int64_t>(0, Number(in, "LatencyMs")), Number(in, "FailCode"),
-               std::max<std::int64_t>(0, Number(in, "Times")));
+        store_.SetFault(command, std::max<std::int64_t>(0, Number(in, "LatencyMs")),
+                        Number(in, "FailCode"), std::max<std::int64_t>(0, Number(in, "Times")));
     } else if (action == "clear-faults") {
-        db.Execute("DELETE FROM faults");
+        store_.ClearFaults();
     } else if (action == "stop") {
         return std::string(StopAnswer);
     } else if (action == "reset") {
         transaction.Commit();
         store_.Reset(options_.workspace, options_.user);
-        Transaction again(db);
+        Transaction again = store_.Begin();
         user_ = store_.EnsureUser(options_.user);
         again.Commit();
         return json::serialize(out);
@@ -141,4 +132,4 @@ std::string Handler::Control(std::string_view request) {
     return json::serialize(out);
 }
 
-} // namespace corvane::emulator
+} // namespace vanto::emulator

@@ -9,9 +9,8 @@
 // Each command runs in one transaction: it is committed whole or, on any failure, not at all.
 #pragma once
 
+#include "RequestCheck.h"
 #include "Store.h"
-
-#include "protocol/RecordIO.h"
 
 #include <cstdint>
 #include <functional>
@@ -19,7 +18,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvane::emulator {
+namespace vanto::emulator {
 
 struct Answer {
     std::string text;
@@ -52,6 +51,7 @@ public:
     const CommandTable& Commands() const { return commands_; }
     // What a command knows of who sent it.
     struct Context {
+        Store* store = nullptr;
         std::int64_t user = 0;
         const HandlerOptions* options = nullptr;
         const CommandTable* commands = nullptr;
@@ -73,11 +73,10 @@ private:
     HandlerOptions options_;
     std::int64_t user_ = 0;
     CommandTable commands_;
+    std::string failed_; // made beforehand: the answer when even making an answer failed
 };
 
-// Whether `text` is one JSON document the reader accepts (the check behind code 7), and, when
-// `schema` is given, whether every key of it that names a member holds a value of the member's
-// kind, all the way down.
-bool IsAcceptableRequest(std::string_view text, const vanto::protocol::Schema* schema);
+// An answer with one error and nothing else.
+std::string ErrorAnswer(std::int32_t code, std::string_view id = {});
 
-} // namespace corvane::emulator
+} // namespace vanto::emulator

@@ -1,6 +1,9 @@
 #include "Server.h"
 
+#include "Text.h"
+
 #include "connector/ConnectorLink.h"
+#include "protocol/Numbers.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/read.hpp>
@@ -11,12 +14,11 @@
 #include <array>
 #include <cstdio>
 #include <fcntl.h>
-#include <random>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace corvane::emulator {
+namespace vanto::emulator {
 
 namespace asio = boost::asio;
 using asio::ip::tcp;
@@ -34,18 +36,6 @@ struct Server::State {
 };
 
 namespace {
-
-std::string MakeSecret() {
-    std::random_device device;
-    std::string secret;
-    static const char digits[] = "0123456789abcdef";
-    for (int i = 0; i < 32; ++i) {
-        const unsigned byte = device() & 0xFFU;
-        secret += digits[byte >> 4];
-        secret += digits[byte & 0xFU];
-    }
-    return secret;
-}
 
 // Compares in time that does not depend on where the texts differ.
 bool SameSecret(std::string_view given, std::string_view expected) {
@@ -102,7 +92,7 @@ private:
         const std::size_t limit = greeted_ ? Corvane::MaxFrameBytes : 256;
         if (size > limit) {
             if (greeted_) {
-                return Send(R"({"Errors":[{"ErrorCode":7,"Ids":[]}]})", true);
+                return Send(ErrorAnswer(protocol::ReturnCode::InvalidInput), true);
             }
             return Drop();
         }
@@ -135,7 +125,7 @@ private:
                                              : std::string_view(body_).substr(newline + 1);
         Answer answer = state_->handler.Handle(operation, request);
         if (answer.text.size() > Corvane::MaxFrameBytes) {
-            answer.text = R"({"Errors":[{"ErrorCode":1,"Ids":[]}]})";
+            answer.text = ErrorAnswer(protocol::ReturnCode::Fail);
         }
         std::string().swap(body_);
         if (answer.stopAfter) {
@@ -185,7 +175,7 @@ private:
 };
 
 Server::Server(asio::io_context& io, Handler& handler, std::uint16_t port)
-    : state_(std::make_shared<State>(io, handler, port)), secret_(MakeSecret()) {
+    : state_(std::make_shared<State>(io, handler, port)), secret_(RandomHex(32)) {
     state_->secret = secret_;
     Accept();
 }
@@ -231,4 +221,4 @@ void Server::WriteEndpointFile(const std::string& path) const {
     }
 }
 
-} // namespace corvane::emulator
+} // namespace vanto::emulator

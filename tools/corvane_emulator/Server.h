@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-namespace corvane::emulator {
+namespace vanto::emulator {
 
 class Server {
 public:
@@ -41,4 +41,4 @@ private:
     std::string secret_;
 };
 
-} // namespace corvane::emulator
+} // namespace vanto::emulator

@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-namespace corvane::emulator {
+namespace vanto::emulator {
 
 namespace {
 
@@ -146,4 +146,4 @@ void Transaction::Commit() {
     done_ = true;
 }
 
-} // namespace corvane::emulator
+} // namespace vanto::emulator

@@ -12,7 +12,7 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-namespace corvane::emulator {
+namespace vanto::emulator {
 
 class SqliteError : public std::runtime_error {
 public:
@@ -115,4 +115,4 @@ private:
     bool done_ = false;
 };
 
-} // namespace corvane::emulator
+} // namespace vanto::emulator

@@ -1,18 +1,22 @@
 // The cloud side as the emulator keeps it, in one SQLite database: users and their sessions, the
 // monitored root folders, documents with their identities, versions, locks, properties and
 // permissions, design revisions, relations between documents, projects, counters and stored
-// data objects. The schema carries a version; a database of another version is refused rather
-// than guessed at.
+// data objects. The schema's version is the database's user_version; a database of another
+// version is refused rather than guessed at, except the first one's, which recorded its version
+// in a table and is moved over. Every SQL text of the emulator is in the store's files.
 #pragma once
 
 #include "Sqlite.h"
+#include "Text.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
-namespace corvane::emulator {
+namespace vanto::emulator {
 
 inline constexpr int SchemaVersion = 1;
 
@@ -86,46 +90,89 @@ struct User {
 inline constexpr const char* DesignChildRelation = "DesignChildRelation";
 inline constexpr const char* DrawingOf = "DrawingOf";
 
-// How paths are compared: separators unified, ASCII letters folded, no trailing separator.
-std::string PathKey(std::string_view path);
-// Whether `path` is `folder` or lies below it (both compared as PathKey).
-bool IsUnder(std::string_view path, std::string_view folder);
-// The current time as an ISO 8601 UTC text, and seconds since the epoch.
-std::string IsoTime(std::int64_t seconds);
-std::int64_t NowSeconds();
+struct Session {
+    std::string id;
+    std::int64_t user = 0;
+    std::int64_t processId = 0;
+    std::string processStart;
+};
+
+// What a fault set through the control interface does to one answer.
+struct Fault {
+    std::uint32_t latencyMs = 0;
+    std::int32_t failCode = 0; // 0: none
+};
+
+struct Tally {
+    std::int64_t documents = 0;
+    std::int64_t locks = 0; // locks that have not expired
+    std::int64_t sessions = 0;
+};
 
 class Store {
 public:
-    // Opens (creating when needed) the database at `path`; ":memory:" keeps it in memory.
+    // Opens (creating or moving over when needed) the database at `path`; ":memory:" keeps it in
+    // memory.
     explicit Store(const std::string& path);
 
-    Database& Db() { return db_; }
+    // Everything done between this and Commit() is kept whole or not at all.
+    Transaction Begin() { return Transaction(db_); }
 
     // Fills an empty database from the workspace; does nothing when documents exist already.
     void ImportIfEmpty(const Workspace& workspace, const std::string& defaultUser);
     // Empties every table and imports again.
     void Reset(const Workspace& workspace, const std::string& defaultUser);
 
+    // A setting kept with the data; empty when never set.
+    void RememberSetting(const std::string& key, const std::string& value);
+    std::string Setting(const std::string& key);
+
     // The next value of a named counter (1, 2, ...); never the same twice.
     std::int64_t Next(const std::string& counter);
+    Tally Count();
+    // SQLite's own check of the file: "ok" when it is sound.
+    std::string IntegrityCheck();
 
     std::int64_t EnsureUser(const std::string& name, const std::string& email = "");
     std::optional<User> FindUser(const std::string& name);
     std::optional<User> UserByKey(std::int64_t key);
+    void SetOnline(std::int64_t user, bool online);
+    void SetSignedIn(std::int64_t user, bool signedIn);
 
-    // By identifier type: 0 local path, 1 document id, 2 any of the document's URNs or ids.
+    void OpenSession(const Session& session);
+    // False when there was no such session.
+    bool CloseSession(const std::string& id);
+    void CloseSessionsOf(std::int64_t user);
+    std::optional<std::int64_t> SessionUser(std::string_view id);
+
+    // `times` 0: until cleared.
+    void SetFault(const std::string& command, std::int64_t latencyMs, std::int64_t failCode,
+                  std::int64_t times);
+    void ClearFaults();
+    // The fault set for the command, counting this answer as one of its times.
+    Fault TakeFault(std::string_view command);
+    // Whether some fault answers with `code`.
+    bool AnyFaultAnswers(std::int32_t code);
+
+    // By identifier type (protocol::IdentifierType).
     std::optional<Document> FindDocument(std::string_view identifier, std::int32_t type = 0);
     std::optional<Document> DocumentByKey(std::int64_t key);
     std::int64_t AddDocument(const std::string& path, std::int64_t container);
     std::vector<Document> AllDocuments();
+    // A property by name, ignoring case; and all of a document's properties by name.
+    std::optional<std::string> PropertyValue(std::int64_t document, const std::string& name);
+    std::vector<std::pair<std::string, std::string>> Properties(std::int64_t document);
 
     std::optional<Container> FindContainer(std::string_view urnOrId);
     std::optional<Container> ContainerByKey(std::int64_t key);
     std::vector<Container> AllContainers();
+    void SynchroniseContainer(std::int64_t container, const std::string& localPath);
 
     std::vector<Relation> RelationsOf(std::int64_t document, bool asParent);
     std::optional<Relation> FindRelation(std::string_view urn);
+    bool HasRelation(std::int64_t parent, std::int64_t child, const std::string& type);
     std::int64_t AddRelation(std::int64_t parent, std::int64_t child, const std::string& type);
+    void RemoveRelation(std::int64_t relation);
 
     std::vector<std::string> RootFolders();
 
@@ -133,17 +180,26 @@ public:
     void SetLock(std::int64_t document, std::int64_t user, std::int64_t ttl);
     void ClearLock(std::int64_t document);
     // Another user saves in the cloud: the cloud version moves on.
-    std::string SaveNewVersion(std::int64_t document, std::int64_t user);
+    std::string SaveNewVersion(std::int64_t document);
 
-    // 0 none, 1 read, 2 write; a document without an entry gives everybody write.
+    // protocol::Permission; a document without an entry gives everybody write.
     std::int64_t Permission(std::int64_t document, std::int64_t user);
 
+    void SetDataObject(const std::string& primaryKey, const std::string& secondaryKey,
+                       const std::string& data);
+
+    // Keeps a copy of every table, and puts it back: a fuzzer starts each input from the same
+    // data far quicker than by importing again.
+    void SaveSnapshot();
+    void RestoreSnapshot();
+
 private:
-    void CreateSchema();
+    void OpenSchema();
     void Import(const Workspace& workspace, const std::string& defaultUser);
     Document ReadDocument(Statement& row);
 
     Database db_;
+    std::vector<std::string> restore_;
 };
 
-} // namespace corvane::emulator
+} // namespace vanto::emulator

@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 namespace json = boost::json;
-using namespace corvane::emulator;
+using namespace vanto::emulator;
 
 std::string DefaultDataFolder() {
     if (const char* data = std::getenv("VANTO_CORVANE_DATA"); data != nullptr && *data != '\0') {
@@ -50,18 +50,17 @@ struct ServeOptions {
 // The workspace given on the command line is remembered in the database, so that a later start
 // (and a reset) without one uses the same.
 void RememberWorkspace(Store& store, Workspace& workspace) {
-    Database& db = store.Db();
     const std::pair<const char*, std::string*> keys[] = {
         {"workspace.folder", &workspace.folder},
         {"workspace.import", &workspace.importFile},
         {"workspace.root", &workspace.clientRoot}};
-    Transaction transaction(db);
+    Transaction transaction = store.Begin();
     const bool given = !workspace.folder.empty() || !workspace.importFile.empty();
     for (const auto& [key, value] : keys) {
         if (given) {
-            db.Run("INSERT OR REPLACE INTO meta(key, value) VALUES (?, ?)", key, *value);
+            store.RememberSetting(key, *value);
         } else {
-            *value = db.QueryText("SELECT value FROM meta WHERE key = ?", key).value_or("");
+            *value = store.Setting(key);
         }
     }
     transaction.Commit();

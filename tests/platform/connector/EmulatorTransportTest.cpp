@@ -89,9 +89,10 @@ TEST_F(EmulatorTransport, HostileBodiesAreAnsweredAndTheNextClientIsServed) {
 
 TEST_F(EmulatorTransport, ACallPastItsTimeOutSaysSoAndTheNextCallWorks) {
     EmulatorProcess emulator;
+    // Held far longer than the time-out, which is long enough for any answer not held back.
     emulator.Control(
-        R"({"Action":"fault","Command":"GETCONNECTIONSTATUS","LatencyMs":1500,"Times":1})");
-    Corvane::ConnectorLink link(std::chrono::milliseconds(300));
+        R"({"Action":"fault","Command":"GETCONNECTIONSTATUS","LatencyMs":600000,"Times":1})");
+    Corvane::ConnectorLink link(std::chrono::seconds(3));
     const std::string status = R"({"Command":"GETCONNECTIONSTATUS","SessionId":"x"})";
     try {
         link.Call(emulator.Endpoint(), "execute", status);

@@ -2,11 +2,9 @@
 // memory. Requests are written and answers read with the component's own protocol records.
 #include "Handler.h"
 
-#include "protocol/commands/DataManagementCommands.h"
-#include "protocol/commands/GenericCommands.h"
-#include "protocol/commands/MCADCommands.h"
+#include "Commands.h"
+
 #include "protocol/registration/Registration.h"
-#include "protocol/registration/SessionOutputs.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +13,7 @@
 
 namespace {
 
-using namespace corvane::emulator;
+using namespace vanto::emulator;
 using namespace Corvane::CommandIO;
 using namespace Corvane::CommandIO::DataManagement;
 using namespace Corvane::CommandIO::DataManagement::MCAD;
@@ -195,6 +193,9 @@ TEST_F(EmulatorHandler, ContainersAndProjectSynchronisation) {
     list.ReturnUnsynched = true;
     const auto all = Run<CorvaneGetAvailableContainersOutput>(list);
     ASSERT_EQ(2u, all.ContainerInformation.size());
+    EXPECT_EQ("Gearbox", all.ContainerInformation[0]->ContainerName.str());
+    EXPECT_EQ("CS-DRIVES",
+              all.ContainerInformation[0]->CollaborationSpace->CollaborationSpaceId.str());
     const std::string pump = all.ContainerInformation[1]->ContainerUrn.str();
 
     CorvaneAddProjectToSyncInput add;
@@ -233,6 +234,27 @@ TEST_F(EmulatorHandler, NumbersAndRevisionIdsNeverRepeat) {
     EXPECT_EQ("C", first.NextRevisionIdInfo[0]->Revid.str());
     EXPECT_EQ("D", second.NextRevisionIdInfo[0]->Revid.str());
     EXPECT_EQ(Gearbox, first.NextRevisionIdInfo[0]->RevisionFilepath.str());
+}
+
+// The search by name: each design revision once, grouped by its project.
+TEST_F(EmulatorHandler, DesignRevisionsAreFoundByName) {
+    const struct {
+        const char* name;
+        std::size_t revisions;
+    } cases[] = {{"Gearbox", 1}, {"gearbox", 1}, {"Nothing", 0}};
+    for (const auto& c : cases) {
+        CorvaneQueryDesignRevisionsInput query;
+        auto& definition = Set(Set(query.RevisionCriteria).Definition);
+        definition.SearchTerms.emplace_back(new Search::CorvaneSearchTerm());
+        definition.SearchTerms.back()->Property = "name";
+        definition.SearchTerms.back()->Value = c.name;
+        const auto out = Run<CorvaneQueryDesignRevisionsOutput>(query);
+        std::size_t found = 0;
+        for (const auto& group : out.DesignRevisionInfo) {
+            found += group->DesignRevision.size();
+        }
+        EXPECT_EQ(c.revisions, found) << c.name;
+    }
 }
 
 TEST_F(EmulatorHandler, StructureAndWhereUsed) {
@@ -368,14 +390,45 @@ TEST_F(EmulatorHandler, HostileBodiesGetErrorsAndChangeNothing) {
     EXPECT_EQ(before, Control(R"({"Action":"documents"})"));
 }
 
-TEST(EmulatorStore, RefusesADatabaseOfAnotherSchemaVersion) {
-    const auto path = std::filesystem::temp_directory_path() / "vanto-schema-version.db";
-    std::filesystem::remove(path);
-    {
-        Store store(path.string());
-        store.Db().Execute("UPDATE meta SET value = '99' WHERE key = 'schema_version'");
+// A database written by this emulator, then marked as another emulator would have left it: the
+// first one kept its version as a row of its settings, before the database's user_version.
+TEST_F(EmulatorHandler, AnswersEveryCommandOfTheCatalogueAndNoOther) {
+    std::set<std::string> catalogue;
+    vanto::protocol::ForEachCommand(vanto::protocol::Catalogue{}, [&](auto tag) {
+        catalogue.insert(decltype(tag)::Type::CommandName);
+    });
+    std::set<std::string> answered;
+    for (const auto& [name, command] : handler.Commands()) {
+        answered.insert(name);
     }
-    EXPECT_THROW(Store{path.string()}, SqliteError);
+    EXPECT_EQ(catalogue, answered);
+}
+
+TEST(EmulatorStore, OpensOrMovesOverKnownVersionsAndRefusesOthers) {
+    const struct {
+        const char* marking;
+        bool opens;
+    } cases[] = {
+        {"", true},
+        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '1')", true},
+        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '99')", false},
+        {"PRAGMA user_version = 0", false},
+        {"PRAGMA user_version = 99", false},
+    };
+    const auto path = std::filesystem::temp_directory_path() / "vanto-schema-version.db";
+    for (const auto& c : cases) {
+        std::filesystem::remove(path);
+        Store(path.string()).EnsureUser("Cy");
+        Database(path.string()).Execute(c.marking);
+        if (!c.opens) {
+            EXPECT_THROW(Store{path.string()}, SqliteError) << c.marking;
+            continue;
+        }
+        Store store(path.string());
+        EXPECT_TRUE(store.FindUser("Cy")) << c.marking;
+        EXPECT_EQ(1, Database(path.string()).QueryInt("PRAGMA user_version")) << c.marking;
+        EXPECT_EQ("", store.Setting("schema_version")) << c.marking;
+    }
     std::filesystem::remove(path);
 }
 
