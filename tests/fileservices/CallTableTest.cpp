@@ -69,6 +69,16 @@ const std::string WhereUsed =
 
 std::vector<Row> Rows() {
     const std::string propertiesOf = R"("ObjectTypeList":[0,2,1]})";
+    // IsFileSynchronized of a monitored file asks for its document properties.
+    const std::pair<std::string, std::string> monitored{
+        "ISPATHMONITORED", R"({"PathToIsMonitored":[{"Key":"p","Value":true}]})"};
+    const auto synchronized = [](IVANTOFileServices& f) {
+        return Show(f.IsFileSynchronized(L"/w/a.par"));
+    };
+    const Texts synchronizedRequests{
+        Head("ISPATHMONITORED") + R"("Paths":["/w/a.par"]})",
+        Head("GETPROPERTIES") +
+            R"("FilePathToObjectTypesArray":[{"Key":"/w/a.par","ObjectTypeList":[2]}]})"};
     return {
         {"IsValidCorvaneFile(list)",
          {{"ISPATHMONITORED", R"({"PathToIsMonitored":[{"Key":"/w/\u00e9.par","Value":true}]})"}},
@@ -100,27 +110,21 @@ std::vector<Row> Rows() {
         // Outside every monitored folder: no properties are asked for.
         {"IsFileSynchronized unmonitored",
          {{"ISPATHMONITORED", R"({"PathToIsMonitored":[{"Key":"p","Value":false}]})"}},
-         [](IVANTOFileServices& f) { return Show(f.IsFileSynchronized(L"/w/a.par")); },
+         synchronized,
          "true",
          {Head("ISPATHMONITORED") + R"("Paths":["/w/a.par"]})"}},
         {"IsFileSynchronized not in the model",
-         {{"ISPATHMONITORED", R"({"PathToIsMonitored":[{"Key":"p","Value":true}]})"},
-          {"GETPROPERTIES", WithErrors(R"({"ErrorCode":8},{"ErrorCode":12})")}},
-         [](IVANTOFileServices& f) { return Show(f.IsFileSynchronized(L"/w/a.par")); },
+         {monitored, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":8},{"ErrorCode":12})")}},
+         synchronized,
          "false",
-         {Head("ISPATHMONITORED") + R"("Paths":["/w/a.par"]})",
-          Head("GETPROPERTIES") +
-              R"("FilePathToObjectTypesArray":[{"Key":"/w/a.par","ObjectTypeList":[2]}]})"},
+         synchronizedRequests,
          {{0, L"Error getting file properties."}, {1, L"File is not synchronized."}}},
         // Only the first error counts.
         {"IsFileSynchronized other error",
-         {{"ISPATHMONITORED", R"({"PathToIsMonitored":[{"Key":"p","Value":true}]})"},
-          {"GETPROPERTIES", WithErrors(R"({"ErrorCode":12},{"ErrorCode":8})")}},
-         [](IVANTOFileServices& f) { return Show(f.IsFileSynchronized(L"/w/a.par")); },
+         {monitored, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":12},{"ErrorCode":8})")}},
+         synchronized,
          "true",
-         {Head("ISPATHMONITORED") + R"("Paths":["/w/a.par"]})",
-          Head("GETPROPERTIES") +
-              R"("FilePathToObjectTypesArray":[{"Key":"/w/a.par","ObjectTypeList":[2]}]})"},
+         synchronizedRequests,
          {{0, L"Error getting file properties."}}},
         // The map's keys ignore case; a file the map does not hold is passed over.
         {"GetDocumentConsistencyStamp",
