@@ -62,30 +62,21 @@ Core::TevString CallFrame::Exchange(const Core::TevString& request,
                                     const RequestLog* requestLog) const {
     Core::TevString answer = self_.Manager().RequireProxy().Execute(request);
     if (requestLog != nullptr) {
-        LogExchanged(requestLog->input, request);
-        LogExchanged(requestLog->output, answer);
+        LogExchanged(requestLog->inputHead, request);
+        LogExchanged(requestLog->outputHead, answer);
     }
     return answer;
 }
 
-// The line that `format` gives with `text`. The texts are whole requests and answers, megabytes
-// for a large call, so a format "<head>%s" (no other conversion) has the text widened once,
-// straight onto its head in the line that goes to the log: formatting the widened text would
-// copy it twice more. Any other format goes the general way.
-void CallFrame::LogExchanged(const wchar_t* format, const Core::TevString& text) const {
-    const std::wstring_view whole(format);
-    const std::size_t conversion = whole.find(L'%');
-    if (conversion == std::wstring_view::npos || conversion + 2 != whole.size() ||
-        whole[conversion + 1] != L's') {
-        Info(format, FromUtf8(text));
-        return;
-    }
-    // The formatter stops at the first null character of the widened text; so does this.
+// The texts are whole requests and answers, megabytes for a large call: each is widened once,
+// straight onto its head in the line that goes to the log. Like the log's formatter, the line
+// ends at the text's first null character.
+void CallFrame::LogExchanged(std::wstring_view head, const Core::TevString& text) const {
     std::string_view body(text);
     body = body.substr(0, body.find('\0'));
     std::wstring line;
-    line.reserve(conversion + body.size());
-    line.append(whole.substr(0, conversion));
+    line.reserve(head.size() + body.size());
+    line.append(head);
     platform::os::AppendUtf8ToWide(line, body);
     WriteLogMessage(SeverityInformation, std::move(line));
 }

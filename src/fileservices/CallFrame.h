@@ -11,6 +11,7 @@
 #include <boost/describe/members.hpp>
 
 #include <optional>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -58,10 +59,11 @@ private:
     T& target_;
 };
 
-// The formats a method logs its request and the answer with ("%s" takes the JSON text).
+// The heads of the lines a method logs its request and the answer with; each line is its head
+// followed by the JSON text.
 struct RequestLog {
-    const wchar_t* input;
-    const wchar_t* output;
+    std::wstring_view inputHead;
+    std::wstring_view outputHead;
 };
 
 class CallFrame {
@@ -87,7 +89,7 @@ public:
     template <class Input> typename Input::Output Execute(Input& input) const {
         return typename Input::Output(Send(input, nullptr));
     }
-    // The same, writing the request and the answer with these two formats, in that order.
+    // The same, writing the request and the answer under these two heads, in that order.
     template <class Input>
     typename Input::Output Execute(Input& input, const RequestLog& requestLog) const {
         return typename Input::Output(Send(input, &requestLog));
@@ -127,7 +129,7 @@ private:
     }
     static void SetSessionId(Core::CommandIO::CommandInputBase& input);
     Core::TevString Exchange(const Core::TevString& request, const RequestLog* requestLog) const;
-    void LogExchanged(const wchar_t* format, const Core::TevString& text) const;
+    void LogExchanged(std::wstring_view head, const Core::TevString& text) const;
 
     VANTOManager::VANTOFileServices& self_;
     std::optional<LogEntry> scope_;

@@ -3,13 +3,10 @@
 #include "fileservices/CheckOutCheckIn.h"
 
 #include "fileservices/CallFrame.h"
+#include "fileservices/FirstOfName.h"
 #include "fileservices/ReturnCodes.h"
 
 #include <cstdint>
-#include <functional>
-#include <iterator>
-#include <string_view>
-#include <vector>
 
 namespace vanto::fileservices {
 
@@ -46,84 +43,18 @@ void ClearLock(FileLockStatus& status) {
     status.isCheckedOutByCurrentUser = false;
 }
 
-// Name -> the first entry of that name, so that each answer is found in one look-up. Open
-// addressing in one flat table at most half full: a slot holds the entry's index + 1 (0 is free)
-// and part of the name's hash, which spares most text comparisons while probing. A list of a
-// hundred thousand files costs no allocation per name.
-class FirstEntryOfName {
-public:
-    static constexpr std::size_t None = static_cast<std::size_t>(-1);
-
-    explicit FirstEntryOfName(const std::vector<std::string_view>& names)
-        : names_(names), first_(names.size(), false) {
-        std::size_t size = 1;
-        while (size < 2 * names.size()) {
-            size <<= 1;
-        }
-        slots_.resize(size);
-        mask_ = size - 1;
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            const std::size_t hash = Hash(names[i]);
-            Slot& slot = slots_[SlotOf(names[i], hash)];
-            if (slot.entry == 0) {
-                slot = Slot{static_cast<std::uint32_t>(i + 1), Tag(hash)};
-                first_[i] = true;
-            }
-        }
-    }
-
-    // The first entry named `name`, or None; `hint` is the entry most likely to be it.
-    std::size_t Find(std::string_view name, std::size_t hint) const {
-        if (hint < names_.size() && first_[hint] && names_[hint] == name) {
-            return hint;
-        }
-        const std::uint32_t entry = slots_[SlotOf(name, Hash(name))].entry;
-        return entry == 0 ? None : entry - 1;
-    }
-
-private:
-    // Entry numbers fit 32 bits: a list of four billion files would not fit in memory.
-    struct Slot {
-        std::uint32_t entry = 0;
-        std::uint32_t tag = 0;
-    };
-
-    static std::size_t Hash(std::string_view name) { return std::hash<std::string_view>()(name); }
-    static std::uint32_t Tag(std::size_t hash) {
-        return static_cast<std::uint32_t>(static_cast<std::uint64_t>(hash) >> 32);
-    }
-
-    // The slot of `name`: the one that holds it, else the free one where it would go.
-    std::size_t SlotOf(std::string_view name, std::size_t hash) const {
-        for (std::size_t at = hash & mask_;; at = (at + 1) & mask_) {
-            const Slot& slot = slots_[at];
-            if (slot.entry == 0 || (slot.tag == Tag(hash) && names_[slot.entry - 1] == name)) {
-                return at;
-            }
-        }
-    }
-
-    const std::vector<std::string_view>& names_;
-    std::vector<bool> first_;
-    std::vector<Slot> slots_;
-    std::size_t mask_ = 0;
-};
-
 } // namespace
 
 void MarkLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockStatusMap& files,
                const GUserText& user) {
-    // The answer lists the files in the order they were sent, which is the map's own: the entry
-    // after the last one found is tried first, and the map is searched only when it is not the
-    // one. Keys are unique under the map's ordering, so either way finds the same entry.
-    auto next = files.begin();
+    FirstOfName<NameNoCase, FileLockStatus*> byName(files.size());
+    for (auto& [name, status] : files) {
+        byName.Add(name.wstr(), &status);
+    }
     for (const auto& lock : output.Status) {
-        const GUserText name = FromNarrow(lock->DesignIdentifier);
-        const auto found =
-            next != files.end() && next->first.EqualsNoCase(name) ? next : files.find(name);
-        if (found != files.end()) {
-            SetHolder(found->second, FromUtf8(lock->LockedBy), user);
-            next = std::next(found);
+        if (FileLockStatus* const* status =
+                byName.Find(FromNarrow(lock->DesignIdentifier).wstr())) {
+            SetHolder(**status, FromUtf8(lock->LockedBy), user);
         }
     }
 }
@@ -147,22 +78,14 @@ bool ClearRefusedLocks(const CorvaneLockDesignRevisionsOutput& output, FileLockS
 
 void ApplyUnlockResults(const CorvaneUnLockDesignRevisionsOutput& output, FileCheckInList& files,
                         const CorvaneUnLockDesignRevisionsInput& sent) {
-    std::vector<std::string_view> names;
-    names.reserve(files.size());
+    FirstOfName<ExactName, FileCheckInEntry*> byName(files.size());
     for (std::size_t i = 0; i < files.size() && i < sent.DesignIdentifiers.size(); ++i) {
-        names.emplace_back(sent.DesignIdentifiers[i]->Value);
+        byName.Add(sent.DesignIdentifiers[i]->Value, &files[i]);
     }
-    const FirstEntryOfName firstOf(names);
-    // The answer lists the files in the order they were sent: the entry after the last one found
-    // is tried first, so that a long list is mostly walked in order rather than looked up.
-    std::size_t next = 0;
     for (const auto& lock : output.Status) {
-        const std::size_t at = firstOf.Find(lock->DesignIdentifier, next);
-        if (at != FirstEntryOfName::None) {
-            FileCheckInEntry& entry = files[at];
-            entry.errorCode = lock->ErrorCode;
-            entry.lockedBy = FromUtf8(lock->LockedBy);
-            next = at + 1;
+        if (FileCheckInEntry* const* entry = byName.Find(lock->DesignIdentifier)) {
+            (*entry)->errorCode = lock->ErrorCode;
+            (*entry)->lockedBy = FromUtf8(lock->LockedBy);
         }
     }
 }
@@ -215,8 +138,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::CheckOut(FileLockStat
         if (input.DesignIdentifiers.empty()) {
             return S_OK;
         }
-        const auto output = frame.Execute(
-            input, {L"LockDesignRevisions Input: %s", L"LockDesignRevisions Output: %s"});
+        const auto output =
+            frame.Execute(input, {L"LockDesignRevisions Input: ", L"LockDesignRevisions Output: "});
         MarkLocks(output, *map, user);
         // Written whenever an answer came, before any error it reports.
         frame.Info(L"File Checkout successful.");
@@ -243,7 +166,7 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::CheckIn(FileCheckInLi
         }
         // Sent even when the list is empty.
         const auto output = frame.Execute(
-            input, {L"UnLockDesignRevisions Input: %s", L"UnLockDesignRevisions Output: %s"});
+            input, {L"UnLockDesignRevisions Input: ", L"UnLockDesignRevisions Output: "});
         if (frame.Failed(output, L"Error while check-in.", ErrorCodes::NotReported)) {
             return E_FAIL;
         }

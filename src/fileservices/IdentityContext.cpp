@@ -161,7 +161,8 @@ bool STDMETHODCALLTYPE VANTOManager::VANTOFileServices::IsFileSynchronized(const
         if (!frame.Failed(properties, L"Error getting file properties.", ErrorCodes::NotReported)) {
             return true;
         }
-        if (properties.Errors.front()->ErrorCode != vanto::protocol::ReturnCode::ObjectNotFoundInModel) {
+        if (properties.Errors.front()->ErrorCode !=
+            vanto::protocol::ReturnCode::ObjectNotFoundInModel) {
             return true;
         }
         frame.Warning(L"File is not synchronized.");

@@ -15,7 +15,9 @@ using Corvane::DataTypes::CorvaneDataObjectKey;
 using Corvane::DataTypes::CorvaneStringToObjectTypesPair;
 
 // Every group a host asks properties for, in the order they are asked.
-constexpr std::int32_t PropertyGroups[] = {vanto::protocol::ObjectType::Component, vanto::protocol::ObjectType::Document, vanto::protocol::ObjectType::Lock};
+constexpr std::int32_t PropertyGroups[] = {vanto::protocol::ObjectType::Component,
+                                           vanto::protocol::ObjectType::Document,
+                                           vanto::protocol::ObjectType::Lock};
 
 // The secondary key every data object is saved under.
 constexpr const char* SaveDataKey = "SaveData";

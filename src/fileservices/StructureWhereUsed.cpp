@@ -106,7 +106,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::AddChildren(const GUs
         for (std::size_t i = 0; i < childPaths.size(); ++i) {
             parent->ChildRevisionInfos[i].reset(new CorvaneChildRevisionInfo());
             parent->ChildRevisionInfos[i]->Identifier = ToNarrow(childPaths[i]);
-            parent->ChildRevisionInfos[i]->IdentifierType = vanto::protocol::IdentifierType::FilePath;
+            parent->ChildRevisionInfos[i]->IdentifierType =
+                vanto::protocol::IdentifierType::FilePath;
         }
         CorvaneAddChildrenInput input;
         input.ParentChildRelationInfos.push_back(std::move(parent));

@@ -3,6 +3,7 @@
 #include "fileservices/VersionsRevisions.h"
 
 #include "fileservices/CallFrame.h"
+#include "fileservices/FirstOfName.h"
 #include "fileservices/ReturnCodes.h"
 
 namespace vanto::fileservices {
@@ -39,14 +40,14 @@ Core::UniquePtr<CorvaneSearchCriteria> NameCriteria(const Core::TevString& name)
 
 bool NewerVersionFound(const CorvaneCheckNewerVersionOnCloudOutput& output,
                        const DocumentStampMap& stamps) {
+    FirstOfName<NameNoCase, const DocumentStamp*> byDocument(stamps.size());
+    for (const auto& [path, stamp] : stamps) {
+        byDocument.Add(stamp.documentId.wstr(), &stamp);
+    }
     bool newer = false;
     for (const auto& pair : output.IdentifierToNewerVersionId) {
-        const GUserText documentId = FromUtf8(pair->Key);
-        for (const auto& [path, stamp] : stamps) {
-            if (stamp.documentId.EqualsNoCase(documentId)) {
-                newer = !FromUtf8(pair->Value).EqualsNoCase(stamp.consistencyStamp);
-                break;
-            }
+        if (const DocumentStamp* const* stamp = byDocument.Find(FromUtf8(pair->Key).wstr())) {
+            newer = !FromUtf8(pair->Value).EqualsNoCase((*stamp)->consistencyStamp);
         }
     }
     return newer;

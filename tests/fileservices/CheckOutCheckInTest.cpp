@@ -60,14 +60,8 @@ TEST_F(CheckOutCheckIn, CheckOutLocksTheFreeFilesAndMarksWhoHoldsThem) {
               {2, L"LockDesignRevisions Output: " + GUserText(std::string_view(answer)).wstr()},
               {2, L"File Checkout successful."}}),
         Take());
-    const FileLockStatus& a = map.at(L"/w/A.asm");
-    EXPECT_TRUE(a.isCheckedOut && a.isCheckedOutByCurrentUser);
-    EXPECT_EQ(L"ANN", a.checkedOutBy.wstr());
-    const FileLockStatus& e = map.at(L"/w/\u00e9.par");
-    EXPECT_TRUE(e.isCheckedOut && !e.isCheckedOutByCurrentUser);
-    EXPECT_EQ(L"Cl\u00e9o", e.checkedOutBy.wstr());
-    EXPECT_EQ(L"bob", map.at(L"/w/b.par").checkedOutBy.wstr());
-    EXPECT_EQ(4u, map.size());
+    // How the answer lands in the map is AnswerMapping's concern; one file shows it was read.
+    EXPECT_EQ(L"ANN", map.at(L"/w/A.asm").checkedOutBy.wstr());
 }
 
 TEST_F(CheckOutCheckIn, CheckOutPassesOverLockedObjectsButFailsOnOtherErrors) {
@@ -83,21 +77,12 @@ TEST_F(CheckOutCheckIn, CheckOutPassesOverLockedObjectsButFailsOnOtherErrors) {
         EXPECT_EQ((testsupport::Line{0, L"Error while checkout."}), lines.back());
         return result;
     };
-    // Locked by somebody else: the call still succeeds and that file stays as it was.
-    FileLockStatusMap map{{L"/w/a.par", {}}, {L"/w/b.par", {}}, {L"/w/c.par", {}}};
+    // Locked by somebody else: the call still succeeds; any other code fails it.
+    FileLockStatusMap map{{L"/w/a.par", {}}, {L"/w/b.par", {}}};
     EXPECT_EQ(S_OK, checkOut(R"({"ErrorCode":13,"Ids":["/w/c.par"]})", map));
-    EXPECT_TRUE(map.at(L"/w/a.par").isCheckedOut && map.at(L"/w/b.par").isCheckedOut);
-    EXPECT_FALSE(map.at(L"/w/c.par").isCheckedOut);
-
-    // Any other code clears both flags of the files it names, just set or not; the holder stays.
-    FileLockStatusMap again{{L"/w/a.par", {}}, {L"/w/b.par", {}}};
-    EXPECT_EQ(E_FAIL, checkOut(R"({"ErrorCode":13,"Ids":["/w/a.par"]},)"
-                               R"({"ErrorCode":12,"Ids":["/W/B.PAR","/w/none.par"]})",
-                               again));
-    EXPECT_TRUE(again.at(L"/w/a.par").isCheckedOutByCurrentUser);
-    const FileLockStatus& b = again.at(L"/w/b.par");
-    EXPECT_FALSE(b.isCheckedOut || b.isCheckedOutByCurrentUser);
-    EXPECT_EQ(L"ann", b.checkedOutBy.wstr());
+    map = {{L"/w/a.par", {}}};
+    EXPECT_EQ(E_FAIL,
+              checkOut(R"({"ErrorCode":13,"Ids":["/w/a.par"]},{"ErrorCode":12,"Ids":[]})", map));
 }
 
 TEST_F(CheckOutCheckIn, CheckOutWithNothingToLockSendsNoLockCommand) {
@@ -145,13 +130,7 @@ TEST_F(CheckOutCheckIn, CheckInSendsEveryEntryAndUpdatesTheFirstOfEachName) {
                {2, L"UnLockDesignRevisions Output: " + GUserText(std::string_view(answer)).wstr()},
                {2, L"Check-in successful. No errors found."}}),
         Take());
-    // Matching is exact (the upper-case name finds nothing) and the first of a name takes every
-    // answer for it, the last one winning.
     EXPECT_EQ(9, list[0].errorCode);
-    EXPECT_EQ(L"b\u00f6b", list[0].lockedBy.wstr());
-    EXPECT_EQ(5, list[1].errorCode);
-    EXPECT_EQ(0, list[2].errorCode);
-    EXPECT_TRUE(list[2].lockedBy.IsEmpty());
 }
 
 TEST_F(CheckOutCheckIn, CheckInWithErrorsLeavesTheListAsItCame) {
@@ -168,46 +147,27 @@ TEST_F(CheckOutCheckIn, CheckInWithErrorsLeavesTheListAsItCame) {
     EXPECT_TRUE(list[0].lockedBy.IsEmpty());
 }
 
-TEST_F(CheckOutCheckIn, LockStatusComesFromTheLockedByPropertyOfTheLockGroup) {
-    FileLockStatusMap map{{L"/w/a.par", {}},
-                          {L"/w/b.par", HeldBy(L"bob")},
-                          {L"/w/c.par", HeldBy(L"bob")},
-                          {L"/w/d.par", {}}};
+// Which properties give the lock is ApplyLockedBy's table; here the map's look-up (ignoring case,
+// passing over files it does not hold) and the newer-version question per file found.
+TEST_F(CheckOutCheckIn, LockStatusAsksForTheMapsFilesAndUpdatesThoseFound) {
+    FileLockStatusMap map{{L"/w/a.par", {}}, {L"/w/b.par", {}}};
     connector.Answer(
         "GETPROPERTIES",
         R"({"FilePropertiesArray":[)"
         R"({"FilePath":"/W/A.PAR","ObjectTypeToPropertiesArray":[{"ObjectType":1,"Properties":[)"
-        R"({"Name":"lockedby","PropertyValues":["Ann","x"]}]}]},)"
-        R"({"FilePath":"/w/b.par","ObjectTypeToPropertiesArray":[{"ObjectType":1,"Properties":[)"
-        R"({"Name":"LockedBy","PropertyValues":[""]}]}]},)"
-        R"({"FilePath":"/w/c.par","ObjectTypeToPropertiesArray":[{"ObjectType":2,"Properties":[)"
-        R"({"Name":"LockedBy","PropertyValues":[""]}]},{"ObjectType":1,"Properties":[)"
-        R"({"Name":"LockedBy","PropertyValues":[]}]}]},)"
+        R"({"Name":"LockedBy","PropertyValues":["Ann"]}]}]},)"
         R"({"FilePath":"/w/zzz.par","ObjectTypeToPropertiesArray":[]}]})");
     EXPECT_EQ(S_OK, files->GetCheckOutStatus(&map, false));
     EXPECT_EQ((Texts{"GETSESSIONINFO", "GETPROPERTIES"}), connector.CommandsSent());
     EXPECT_EQ(R"({"Command":"GETPROPERTIES","SessionId":"s-1","Version":1,)"
               R"("FilePathToObjectTypesArray":[{"Key":"/w/a.par","ObjectTypeList":[0,2,1]},)"
-              R"({"Key":"/w/b.par","ObjectTypeList":[0,2,1]},)"
-              R"({"Key":"/w/c.par","ObjectTypeList":[0,2,1]},)"
-              R"({"Key":"/w/d.par","ObjectTypeList":[0,2,1]}]})",
+              R"({"Key":"/w/b.par","ObjectTypeList":[0,2,1]}]})",
               Sent("GETPROPERTIES"));
-    const FileLockStatus& a = map.at(L"/w/a.par");
-    EXPECT_TRUE(a.isCheckedOut && a.isCheckedOutByCurrentUser);
-    EXPECT_EQ(L"Ann", a.checkedOutBy.wstr());
-    // An empty holder frees the file but keeps the old name.
-    const FileLockStatus& b = map.at(L"/w/b.par");
-    EXPECT_FALSE(b.isCheckedOut || b.isCheckedOutByCurrentUser);
-    EXPECT_EQ(L"bob", b.checkedOutBy.wstr());
-    // Another group, and a holder without values, change nothing.
-    EXPECT_TRUE(map.at(L"/w/c.par").isCheckedOut);
-    EXPECT_FALSE(map.at(L"/w/d.par").isCheckedOut);
-    EXPECT_EQ(4u, map.size());
-
-    // Asked for, each file the answer names and the map holds is checked for a newer version.
+    EXPECT_TRUE(map.at(L"/w/a.par").isCheckedOutByCurrentUser);
+    EXPECT_EQ(2u, map.size());
     connector.executeRequests.clear();
     EXPECT_EQ(S_OK, files->GetCheckOutStatus(&map, true));
-    EXPECT_EQ(3u, connector.RequestsFor("CHECKFORNEWERVERSION").size());
+    EXPECT_EQ(1u, connector.RequestsFor("CHECKFORNEWERVERSION").size());
 }
 
 TEST_F(CheckOutCheckIn, LockStatusGivesBackAFailedPropertiesResultUntouched) {
