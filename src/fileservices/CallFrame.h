@@ -6,6 +6,7 @@
 #include "entry/VANTOManager.h"
 #include "log/Guard.h"
 #include "log/VANTOLog.h"
+#include "protocol/Catalogue.h"
 #include "protocol/Envelope.h"
 
 #include <boost/describe/members.hpp>
@@ -124,6 +125,8 @@ private:
                       "a command input declares its fields (VANTO_JSON_FIELDS)");
         static_assert(std::is_base_of_v<CommandOutputBase, typename Input::Output>,
                       "a command input names the output its answer is read into");
+        static_assert(protocol::IsCatalogued<Input>::value,
+                      "a command the component sends is listed in protocol/Catalogue.h");
         SetSessionId(input);
         return Exchange(input.ToJson(), requestLog);
     }

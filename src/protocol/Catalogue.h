@@ -8,6 +8,8 @@
 #include "protocol/commands/MCADCommands.h"
 #include "protocol/registration/SessionOutputs.h"
 
+#include <type_traits>
+
 namespace vanto::protocol {
 
 template <class... Commands> struct CommandList {};
@@ -37,11 +39,20 @@ using All = CommandList<
 
 using Catalogue = catalogue::All;
 
+template <class List, class Command> struct Lists;
+template <class... Commands, class Command>
+struct Lists<CommandList<Commands...>, Command>
+    : std::bool_constant<(std::is_same_v<Commands, Command> || ...)> {};
+
+// Whether the component may send `Command`: only what the catalogue lists is sent, so that what is
+// checked against the catalogue is everything that goes out. (A test's own input may say so by
+// specialising this.)
+template <class Command> struct IsCatalogued : Lists<Catalogue, Command> {};
+
 // Calls `visit` with a CommandTag of each command of the list, in order.
-template <class Command> struct CommandTag {
-    using Type = Command;
-};
-template <class... Commands, class Visit> void ForEachCommand(CommandList<Commands...>, Visit&& visit) {
+template <class Command> struct CommandTag { using Type = Command; };
+template <class... Commands, class Visit>
+void ForEachCommand(CommandList<Commands...>, Visit&& visit) {
     (visit(CommandTag<Commands>{}), ...);
 }
 

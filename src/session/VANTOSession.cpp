@@ -7,6 +7,7 @@
 #include "log/Guard.h"
 #include "log/VANTOLog.h"
 #include "os/Os.h"
+#include "protocol/Catalogue.h"
 #include "protocol/Envelope.h"
 #include "protocol/Numbers.h"
 #include "protocol/registration/Registration.h"
@@ -55,6 +56,8 @@ bool SessionIsValid(const VANTOManager& manager) {
 // answer read into the command's output.
 template <class Command>
 typename Command::Output ExecuteSessionCommand(const VANTOManager& manager) {
+    static_assert(vanto::protocol::IsCatalogued<Command>::value,
+                  "a command the component sends is listed in protocol/Catalogue.h");
     Core::CommandIO::CommandInputBase input(Command::CommandName);
     input.SessionId = vanto::Session().sessionId;
     return typename Command::Output(manager.RequireProxy().Execute(input.ToJson()));

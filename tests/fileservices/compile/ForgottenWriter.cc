@@ -20,6 +20,10 @@ public:
 
 } // namespace
 
+namespace vanto::protocol {
+template <> struct IsCatalogued<ForgetfulInput> : std::true_type {};
+} // namespace vanto::protocol
+
 void SendForgetful(const vanto::fileservices::CallFrame& frame) {
     ForgetfulInput input;
     frame.Execute(input);
