@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -120,21 +121,19 @@ TEST(HostCliUsage, EveryKindOfBadInvocationIsAUsageErrorNamingTheProblem) {
 }
 
 TEST(HostCliUsage, HelpListsEveryOperationAndVersionIsPrinted) {
-    const std::pair<std::vector<std::string>, std::vector<const char*>> helps[] = {
-        {{"--help"}, {"connect",      "start",       "session",      "roots",         "user",
-                      "running",      "installed",   "offline",      "deregister",    "checkout",
-                      "checkin",      "lock-status", "status",       "monitored",     "valid",
-                      "synchronized", "newer",       "new-revision", "stamp",         "path-of",
-                      "context",      "download",    "attach",       "revisions",     "containers",
-                      "sync-project", "permissions", "next-id",      "next-revision", "properties",
-                      "set-data",     "error-text",  "children",     "where-used",    "tree",
-                      "load"}},
-        {{"children", "--help"}, {"list", "add", "remove"}}};
+    const std::pair<std::vector<std::string>, std::string> helps[] = {
+        {{"--help"},
+         "connect start session roots user running installed offline deregister checkout checkin "
+         "lock-status status monitored valid synchronized newer new-revision stamp path-of context "
+         "download attach revisions containers sync-project permissions next-id next-revision "
+         "properties set-data error-text children where-used tree load"},
+        {{"children", "--help"}, "list add remove"}};
     for (const auto& [arguments, names] : helps) {
         const HostRun help = Host(arguments);
         EXPECT_EQ(0, help.status);
-        for (const char* name : names) {
-            EXPECT_TRUE(help.Shows(std::string("\n  ") + name + " ")) << name;
+        std::istringstream list(names);
+        for (std::string name; list >> name;) {
+            EXPECT_TRUE(help.Shows("\n  " + name + " ")) << name;
         }
     }
 }
@@ -148,6 +147,10 @@ protected:
             GTEST_SKIP() << "this build has no emulator program to start";
         }
         emulator = std::make_unique<EmulatorProcess>();
+        shaft = Doc("Gearbox/Shaft/shaft.par");
+        housing = Doc("Gearbox/housing.psm");
+        cover = Doc("Gearbox/cover.par");
+        assembly = Doc("Gearbox/gearbox.asm");
     }
     void TearDown() override { emulator.reset(); }
 
@@ -166,18 +169,17 @@ protected:
     }
 
     std::unique_ptr<EmulatorProcess> emulator;
+    // Documents of the example workspace.
+    std::string shaft, housing, cover, assembly;
 };
 
-TEST_F(HostCli, LoadReportsEveryStepAndInterface) {
-    RunSteps(
-        {{{"load"}, 0, "DllGetClassObject +found\n"}, {{"load"}, 0, "mock file services +S_OK\n"}});
+TEST_F(HostCli, LoadAndSessionOperationsAnswerFromTheSignedInDesktop) {
     const boost::json::object json = Host({"--json", "load"}).Json();
     EXPECT_EQ("S_OK", Text(json.at("result")));
     EXPECT_EQ(8u, json.at("items").as_array().size());
-}
-
-TEST_F(HostCli, SessionOperationsAnswerFromTheSignedInDesktop) {
-    RunSteps({{{"connect"}, 0, "^IsConnected: true\n$"},
+    RunSteps({{{"load"}, 0, "DllGetClassObject +found\n"},
+              {{"load"}, 0, "mock file services +S_OK\n"},
+              {{"connect"}, 0, "^IsConnected: true\n$"},
               {{"start", "--timeout", "2000"}, 0},
               {{"running"}, 0},
               {{"installed"}, 0},
@@ -201,8 +203,6 @@ TEST_F(HostCli, SessionOperationsAnswerFromTheSignedInDesktop) {
 }
 
 TEST_F(HostCli, CheckOutNamesTheHolderOfALockedPartAndCheckInReleasesIt) {
-    const std::string shaft = Doc("Gearbox/Shaft/shaft.par");
-    const std::string housing = Doc("Gearbox/housing.psm");
     RunSteps({{{"checkout", shaft, housing}, 0, "shaft\\.par +yes +yes +Ada Byrne +checked out\n"},
               {{"checkout", housing},
                0,
@@ -218,17 +218,14 @@ TEST_F(HostCli, CheckOutNamesTheHolderOfALockedPartAndCheckInReleasesIt) {
               {{"--json", "lock-status", shaft}, 0, R"("checkedOut":false)"},
               // Another user's lock cannot be released by Ada.
               {{"checkin", housing}, 1}});
-}
 
-// Two host processes on two desktops sharing the cloud, each signed in as its own user.
-TEST_F(HostCli, TheSecondUsersCheckOutNamesTheHolderUntilTheFirstChecksIn) {
+    // A second host process on a second desktop sharing the cloud, signed in as Ben.
     EmulatorProcess::Options options;
     options.user = L"Ben Okafor";
     options.cloudOf = emulator.get();
     options.current = false;
     const EmulatorProcess ben(options);
     const std::string bens = platform::os::WideToUtf8(ben.DataFolder());
-    const std::string shaft = Doc("Gearbox/Shaft/shaft.par");
     RunSteps(
         {{{"checkout", shaft}, 0},
          // A lock held elsewhere is no failure.
@@ -242,7 +239,6 @@ TEST_F(HostCli, TheSecondUsersCheckOutNamesTheHolderUntilTheFirstChecksIn) {
 }
 
 TEST_F(HostCli, IdentityQuestionsAnswerTrueWithZeroAndFalseWithOne) {
-    const std::string shaft = Doc("Gearbox/Shaft/shaft.par");
     const std::string outside = emulator->WorkspaceFolder() + "-elsewhere/x.par";
     RunSteps({{{"monitored", shaft, outside}, 0, "shaft\\.par +yes\n"},
               {{"monitored", shaft, outside}, 0, "x\\.par +no\n"},
@@ -267,7 +263,6 @@ TEST_F(HostCli, IdentityQuestionsAnswerTrueWithZeroAndFalseWithOne) {
 
 TEST_F(HostCli, ContainersNumberingPropertiesAndDataObjects) {
     using namespace vanto::protocol;
-    const std::string cover = Doc("Gearbox/cover.par");
     const std::string gearbox = Doc("Gearbox");
     RunSteps({{{"containers"}, 0, "\nGearbox "},
               // A project not yet synchronised is listed once it is.
@@ -281,15 +276,12 @@ TEST_F(HostCli, ContainersNumberingPropertiesAndDataObjects) {
               {{"--json", "permissions", cover},
                0,
                R"("permission":)" + std::to_string(Permission::Read) + "\\}"},
-              {{"next-id", gearbox, "par", "--count", "2"}, 0},
               {{"--json", "next-id", gearbox, "par", "--count", "2"},
                0,
                R"("items":\[\{[^\]{]*\},\{[^\]{]*\}\])"},
               // Refused by the component.
               {{"next-id", gearbox, ""}, 1},
-              {{"--json", "next-revision", Doc("Gearbox/gearbox.asm")},
-               0,
-               R"("result":"S_OK",.*"revision":"[^"])"},
+              {{"--json", "next-revision", assembly}, 0, R"("result":"S_OK",.*"revision":"[^"])"},
               {{"properties", cover, "--name", "Title"}, 0, "Title +[0-9]+ +Inspection cover\n"},
               {{"properties", cover, "--name", "Title"}, 0, "Material", NotInOutput},
               {{"set-data", "key-1", "{\"a\":1}"}, 0},
@@ -303,27 +295,24 @@ TEST_F(HostCli, ContainersNumberingPropertiesAndDataObjects) {
 }
 
 TEST_F(HostCli, StructureAsListTreeWhereUsedAndGraph) {
-    const std::string gearbox = Doc("Gearbox/gearbox.asm");
     const std::string shaftAssembly = Doc("Gearbox/Shaft/shaft-assembly.asm");
-    const std::string cover = Doc("Gearbox/cover.par");
-    const std::string housing = Doc("Gearbox/housing.psm");
     const std::string bearing = Doc("Gearbox/Shaft/bearing.par");
     RunSteps(
-        {{{"children", "list", gearbox}, 0, "shaft-assembly\\.asm +\\S+\n"},
-         {{"children", "list", gearbox}, 0, "cover\\.par +\\S+\n"},
-         {{"tree", gearbox},
+        {{{"children", "list", assembly}, 0, "shaft-assembly\\.asm +\\S+\n"},
+         {{"children", "list", assembly}, 0, "cover\\.par +\\S+\n"},
+         {{"tree", assembly},
           0,
           "\n(├|└)─ \\S*shaft-assembly\\.asm\n(│|  )  (├|└)─ \\S*bearing\\.par\n"},
-         {{"tree", "--dot", gearbox}, 0, "^digraph \"tree\" \\{\n"},
-         {{"tree", "--dot", gearbox}, 0, "gearbox\\.asm\" -> \"\\S*shaft-assembly\\.asm\";\n"},
+         {{"tree", "--dot", assembly}, 0, "^digraph \"tree\" \\{\n"},
+         {{"tree", "--dot", assembly}, 0, "gearbox\\.asm\" -> \"\\S*shaft-assembly\\.asm\";\n"},
          // A document met twice is marked, not walked again: the cover under the shaft assembly.
          {{"children", "add", shaftAssembly, cover}, 0},
-         {{"tree", gearbox}, 0, "cover\\.par  \\(again, see above\\)\n"},
-         {{"--json", "tree", gearbox},
+         {{"tree", assembly}, 0, "cover\\.par  \\(again, see above\\)\n"},
+         {{"--json", "tree", assembly},
           0,
           R"(^\{"operation":"[^"]*",.*"trees":\[\{"path":"[^"]*gearbox\.asm")"},
          {{"children", "remove", shaftAssembly, cover}, 0},
-         {{"tree", gearbox}, 0, "again", NotInOutput},
+         {{"tree", assembly}, 0, "again", NotInOutput},
          {{"where-used", housing}, 0, "gearbox\\.asm +\\S+\n"},
          {{"where-used", "--drawings", housing}, 0, "housing\\.dft"},
          {{"where-used", "--drawings", housing}, 0, "gearbox\\.asm", NotInOutput},
@@ -335,7 +324,6 @@ TEST_F(HostCli, StructureAsListTreeWhereUsedAndGraph) {
 
 TEST_F(HostCli, WithoutAConnectorSessionCommandsGiveTheirNotConnectedResult) {
     Control(R"({"Action":"stop"})");
-    const std::string cover = Doc("Gearbox/cover.par");
     RunSteps({{{"connect"}, 1},
               {{"checkout", cover}, 1, "^CheckOut: E_FAIL \\(0x80004005\\)\n"},
               {{"checkout", cover}, 1, "not connected", InErrors},
