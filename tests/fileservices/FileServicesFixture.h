@@ -50,9 +50,6 @@ struct SlotArguments {
 
 class FileServicesTest : public ::testing::Test {
 protected:
-    using Failure = Corvane::FakeConnector::Failure;
-    using Op = Corvane::FakeConnector::Operation;
-
     FileServicesTest() {
         vanto::ResetSessionStateForTesting();
         vanto::Session().sessionId = "s-1";
@@ -63,20 +60,6 @@ protected:
     void Unregister() { vanto::Session().sessionId.clear(); }
 
     Lines Take() { return log.TakeMessages(); }
-
-    // The one request sent for `command`.
-    std::string Sent(const std::string& command) const {
-        const Texts sent = connector.RequestsFor(command);
-        EXPECT_EQ(1u, sent.size()) << command;
-        return sent.empty() ? std::string() : sent.front();
-    }
-
-    // Every kind of exception the proxy may throw, with the line the guard writes for it.
-    static std::vector<std::pair<Failure, Line>> ExceptionKinds() {
-        return {{Failure::Communication, ExceptionLine(L"connector gone")},
-                {Failure::Standard, ExceptionLine(L"connector gone")},
-                {Failure::Foreign, ExceptionLine(L"unknown exception")}};
-    }
 
     Corvane::FakeConnector connector;
     CapturingLogSink log;

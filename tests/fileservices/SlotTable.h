@@ -62,13 +62,6 @@ inline void Granted(Rig&) {
     vanto::Session().registered = true;
 }
 
-struct Method {
-    std::string name;
-    std::function<std::string(Rig&)> call; // the result as a text
-    std::vector<Site> sites = {};          // every connector call, in order
-    std::function<void(Rig&)> prepare = &Granted;
-};
-
 inline std::string Show(HRESULT result) {
     switch (static_cast<std::uint32_t>(result)) {
     case 0:
@@ -84,126 +77,128 @@ inline std::string Show(bool result) {
     return result ? "true" : "false";
 }
 
+// A method's result as a text.
+struct Shown {
+    Shown(HRESULT result) : text(Show(result)) {}
+    Shown(bool result) : text(Show(result)) {}
+    Shown(std::string result) : text(std::move(result)) {}
+    std::string text;
+};
+
+struct Method {
+    std::string name;
+    std::function<Shown(Rig&)> call;
+    std::vector<Site> sites = {}; // every connector call, in order
+    std::function<void(Rig&)> prepare = &Granted;
+};
+
+inline Method Slot(std::string name, std::function<Shown(Rig&)> call, std::vector<Site> sites = {},
+                   std::function<void(Rig&)> prepare = &Granted) {
+    return {std::move(name), std::move(call), std::move(sites), std::move(prepare)};
+}
+
+// Granted, with `command` answered by `answer`.
+inline std::function<void(Rig&)> Answering(std::string command, std::string answer) {
+    return [command, answer](Rig& r) {
+        Granted(r);
+        r.connector.Answer(command, answer);
+    };
+}
+
 // The file-service slots, 3 to 29 in the interface's order.
 inline std::vector<Method> FileServiceMethods() {
     return {
-        {"CheckIn",
-         [](Rig& r) { return Show(r.files->CheckIn(&r.a.checkIns)); },
-         {{"Execute UNLOCKDESIGNREVISIONS", "E_FAIL"}}},
-        {"CheckOut",
-         [](Rig& r) { return Show(r.files->CheckOut(&r.a.locks)); },
-         {{"Execute GETSESSIONINFO", "S_OK", Says::ExecuteLine, true},
-          {"Execute LOCKDESIGNREVISIONS", "E_FAIL"}}},
-        {"IsValidCorvaneFile(list)",
-         [](Rig& r) { return Show(r.files->IsValidCorvaneFile(PathList{PathA}, &r.a.monitored)); },
-         {{"Execute ISPATHMONITORED", "E_FAIL"}}},
-        {"IsValidCorvaneFile(path)",
-         [](Rig& r) { return Show(r.files->IsValidCorvaneFile(PathA)); },
-         {{"Execute ISPATHMONITORED", "false"}}},
-        {"GetStatusInformation",
-         [](Rig& r) { return Show(r.files->GetStatusInformation(PathA, &r.a.status)); },
-         {{"Execute GETPROPERTIES", "S_OK", Says::ExecuteLine, true},
-          {"Execute CHECKFORNEWERVERSION", "S_OK"}}},
-        {"IsNewRevisionAvailable",
-         [](Rig& r) { return Show(r.files->IsNewRevisionAvailable(PathA)); }},
-        {"IsNewVersionAvailable",
-         [](Rig& r) { return Show(r.files->IsNewVersionAvailable(PathA)); },
-         {{"Execute GETPROPERTIES", "false", Says::ExecuteLine, true},
-          {"Execute CHECKFORNEWERVERSION", "false"}}},
-        {"GetCheckOutStatus",
-         [](Rig& r) { return Show(r.files->GetCheckOutStatus(&r.a.locks, true)); },
-         {{"Execute GETSESSIONINFO", "S_OK", Says::ExecuteLine, true},
-          {"Execute GETPROPERTIES", "E_FAIL"},
-          {"Execute GETPROPERTIES", "S_OK", Says::ExecuteLine, true},
-          {"Execute CHECKFORNEWERVERSION", "S_OK"}},
-         [](Rig& r) {
-             Granted(r);
-             // The file is in the answer, so its newer version is asked for as well.
-             r.connector.Answer(
-                 "GETPROPERTIES",
-                 R"({"Errors":[],"FilePropertiesArray":[{"FilePath":)"
-                 R"("C:\\Corvane\\Pump\\Housing.par","ObjectTypeToPropertiesArray":[]}]})");
-         }},
-        {"DownloadLatestVersion",
-         [](Rig& r) { return Show(r.files->DownloadLatestVersion(PathA)); }},
-        {"AttachDocumentToRevision",
-         [](Rig& r) { return Show(r.files->AttachDocumentToRevision({})); }},
-        {"GetDocumentConsistencyStamp",
-         [](Rig& r) { return Show(r.files->GetDocumentConsistencyStamp(&r.a.stamps)); },
-         {{"Execute GETPROPERTIES", "E_FAIL"}}},
-        {"IsFileSynchronized",
-         [](Rig& r) { return Show(r.files->IsFileSynchronized(PathA)); },
-         {{"Execute ISPATHMONITORED", "true"}, {"Execute GETPROPERTIES", "true"}},
-         [](Rig& r) {
-             Granted(r);
-             r.connector.Answer("ISPATHMONITORED",
-                                R"({"Errors":[],"PathToIsMonitored":[{"Key":)"
-                                R"("C:\\Corvane\\Pump\\Housing.par","Value":true}]})");
-         }},
-        {"GetFilePath",
-         [](Rig& r) { return Show(r.files->GetFilePath(&r.a.uids)); },
-         {{"Execute GETFILEPATHBYUID", "E_FAIL"}}},
-        {"GetContextInformation",
-         [](Rig& r) {
-             return Show(r.files->GetContextInformation(PathList{PathA}, &r.a.contexts));
-         },
-         {{"Execute GETFILECONTEXTINFO", "E_FAIL"}}},
-        {"GetAvailableContainers",
-         [](Rig& r) {
-             return Show(r.files->GetAvailableContainers(&r.a.containers, &r.a.containerStatus));
-         },
-         {{"Execute GETAVAILABLECONTAINERS", "E_FAIL"}}},
-        {"AddProjectToSync",
-         [](Rig& r) {
-             return Show(r.files->AddProjectToSync(GUserText(L"urn:p:4"), &r.a.containerStatus));
-         },
-         {{"Execute ADDPROJECTTOSYNC", "E_FAIL"}}},
-        {"GetFileAccessPermissions",
-         [](Rig& r) {
-             return Show(r.files->GetFileAccessPermissions(PathList{PathA}, &r.a.permissions));
-         },
-         {{"Execute GETACCESSPERMISSIONS", "E_FAIL"}}},
-        {"GenerateItemIDAndRevision",
-         [](Rig& r) {
-             return Show(r.files->GenerateItemIDAndRevision(
-                 GUserText(L"C:\\Corvane\\Pump"), GUserText(L"par"), r.a.count, &r.a.ids));
-         },
-         {{"Execute GETNEXTID", "E_FAIL"}}},
-        {"GenerateNextRevisionID",
-         [](Rig& r) {
-             return Show(r.files->GenerateNextRevisionID(GUserText(L"urn:dr:7"), &r.a.revision));
-         },
-         {{"Execute GETNEXTREVISIONID", "E_FAIL"}}},
-        {"GetProperties",
-         [](Rig& r) { return Show(r.files->GetProperties(PathList{PathA}, {}, &r.a.properties)); },
-         {{"Execute GETPROPERTIES", "E_FAIL"}}},
-        {"SetDataObject",
-         [](Rig& r) {
-             return Show(r.files->SetDataObject(GUserText(L"layout"), GUserText(L"{}")));
-         },
-         {{"Execute SETDATAOBJECT", "E_FAIL"}}},
-        {"GetDesignRevisions",
-         [](Rig& r) {
-             return Show(r.files->GetDesignRevisions(GUserText(L"Housing"), &r.a.names));
-         },
-         {{"Execute QUERYDESIGNREVISIONS", "E_FAIL"}}},
-        {"AddChildren",
-         [](Rig& r) { return Show(r.files->AddChildren(PathB, PathList{PathA})); },
-         {{"Execute ADDCHILDREN", "E_FAIL"}}},
-        {"RemoveChildren",
-         [](Rig& r) { return Show(r.files->RemoveChildren(PathB, PathList{PathA})); },
-         {{"Execute GETCHILDREN", "S_OK", Says::ExecuteLine, true},
-          {"Execute REMOVECHILDREN", "E_FAIL"}}},
-        {"GetChildren",
-         [](Rig& r) { return Show(r.files->GetChildren(PathB, &r.a.relations)); },
-         {{"Execute GETCHILDREN", "E_FAIL"}}},
-        {"GetCorvaneWUResults",
-         [](Rig& r) {
-             return Show(
-                 r.files->GetCorvaneWUResults(PathList{PathA, PathB}, &r.a.relations, false));
-         },
-         {{"Execute QUERYPRIMARYOBJECTS", "E_FAIL"}, {"Execute QUERYPRIMARYOBJECTS", "E_FAIL"}}},
-        {"LogErrors", [](Rig& r) { return Show(r.files->LogErrors(&r.a.code)); }, {}},
+        Slot("CheckIn", [](Rig& r) { return r.files->CheckIn(&r.a.checkIns); },
+             {{"Execute UNLOCKDESIGNREVISIONS", "E_FAIL"}}),
+        Slot("CheckOut", [](Rig& r) { return r.files->CheckOut(&r.a.locks); },
+             {{"Execute GETSESSIONINFO", "S_OK", Says::ExecuteLine, true},
+              {"Execute LOCKDESIGNREVISIONS", "E_FAIL"}}),
+        Slot("IsValidCorvaneFile(list)",
+             [](Rig& r) { return r.files->IsValidCorvaneFile(PathList{PathA}, &r.a.monitored); },
+             {{"Execute ISPATHMONITORED", "E_FAIL"}}),
+        Slot("IsValidCorvaneFile(path)", [](Rig& r) { return r.files->IsValidCorvaneFile(PathA); },
+             {{"Execute ISPATHMONITORED", "false"}}),
+        Slot("GetStatusInformation",
+             [](Rig& r) { return r.files->GetStatusInformation(PathA, &r.a.status); },
+             {{"Execute GETPROPERTIES", "S_OK", Says::ExecuteLine, true},
+              {"Execute CHECKFORNEWERVERSION", "S_OK"}}),
+        Slot("IsNewRevisionAvailable",
+             [](Rig& r) { return r.files->IsNewRevisionAvailable(PathA); }),
+        Slot("IsNewVersionAvailable", [](Rig& r) { return r.files->IsNewVersionAvailable(PathA); },
+             {{"Execute GETPROPERTIES", "false", Says::ExecuteLine, true},
+              {"Execute CHECKFORNEWERVERSION", "false"}}),
+        Slot(
+            "GetCheckOutStatus",
+            [](Rig& r) { return r.files->GetCheckOutStatus(&r.a.locks, true); },
+            {{"Execute GETSESSIONINFO", "S_OK", Says::ExecuteLine, true},
+             {"Execute GETPROPERTIES", "E_FAIL"},
+             {"Execute GETPROPERTIES", "S_OK", Says::ExecuteLine, true},
+             {"Execute CHECKFORNEWERVERSION", "S_OK"}},
+            // The file is in the answer, so its newer version is asked for as well.
+            Answering("GETPROPERTIES",
+                      R"({"Errors":[],"FilePropertiesArray":[{"FilePath":)"
+                      R"("C:\\Corvane\\Pump\\Housing.par","ObjectTypeToPropertiesArray":[]}]})")),
+        Slot("DownloadLatestVersion", [](Rig& r) { return r.files->DownloadLatestVersion(PathA); }),
+        Slot("AttachDocumentToRevision",
+             [](Rig& r) { return r.files->AttachDocumentToRevision({}); }),
+        Slot("GetDocumentConsistencyStamp",
+             [](Rig& r) { return r.files->GetDocumentConsistencyStamp(&r.a.stamps); },
+             {{"Execute GETPROPERTIES", "E_FAIL"}}),
+        Slot(
+            "IsFileSynchronized", [](Rig& r) { return r.files->IsFileSynchronized(PathA); },
+            {{"Execute ISPATHMONITORED", "true"}, {"Execute GETPROPERTIES", "true"}},
+            Answering("ISPATHMONITORED", R"({"Errors":[],"PathToIsMonitored":[{"Key":)"
+                                         R"("C:\\Corvane\\Pump\\Housing.par","Value":true}]})")),
+        Slot("GetFilePath", [](Rig& r) { return r.files->GetFilePath(&r.a.uids); },
+             {{"Execute GETFILEPATHBYUID", "E_FAIL"}}),
+        Slot("GetContextInformation",
+             [](Rig& r) { return r.files->GetContextInformation(PathList{PathA}, &r.a.contexts); },
+             {{"Execute GETFILECONTEXTINFO", "E_FAIL"}}),
+        Slot("GetAvailableContainers",
+             [](Rig& r) {
+                 return r.files->GetAvailableContainers(&r.a.containers, &r.a.containerStatus);
+             },
+             {{"Execute GETAVAILABLECONTAINERS", "E_FAIL"}}),
+        Slot("AddProjectToSync",
+             [](Rig& r) { return r.files->AddProjectToSync(L"urn:p:4", &r.a.containerStatus); },
+             {{"Execute ADDPROJECTTOSYNC", "E_FAIL"}}),
+        Slot("GetFileAccessPermissions",
+             [](Rig& r) {
+                 return r.files->GetFileAccessPermissions(PathList{PathA}, &r.a.permissions);
+             },
+             {{"Execute GETACCESSPERMISSIONS", "E_FAIL"}}),
+        Slot("GenerateItemIDAndRevision",
+             [](Rig& r) {
+                 return r.files->GenerateItemIDAndRevision(GUserText(L"C:\\Corvane\\Pump"),
+                                                           GUserText(L"par"), r.a.count, &r.a.ids);
+             },
+             {{"Execute GETNEXTID", "E_FAIL"}}),
+        Slot("GenerateNextRevisionID",
+             [](Rig& r) { return r.files->GenerateNextRevisionID(L"urn:dr:7", &r.a.revision); },
+             {{"Execute GETNEXTREVISIONID", "E_FAIL"}}),
+        Slot("GetProperties",
+             [](Rig& r) { return r.files->GetProperties(PathList{PathA}, {}, &r.a.properties); },
+             {{"Execute GETPROPERTIES", "E_FAIL"}}),
+        Slot("SetDataObject", [](Rig& r) { return r.files->SetDataObject(L"layout", L"{}"); },
+             {{"Execute SETDATAOBJECT", "E_FAIL"}}),
+        Slot("GetDesignRevisions",
+             [](Rig& r) { return r.files->GetDesignRevisions(L"Housing", &r.a.names); },
+             {{"Execute QUERYDESIGNREVISIONS", "E_FAIL"}}),
+        Slot("AddChildren", [](Rig& r) { return r.files->AddChildren(PathB, PathList{PathA}); },
+             {{"Execute ADDCHILDREN", "E_FAIL"}}),
+        Slot("RemoveChildren",
+             [](Rig& r) { return r.files->RemoveChildren(PathB, PathList{PathA}); },
+             {{"Execute GETCHILDREN", "S_OK", Says::ExecuteLine, true},
+              {"Execute REMOVECHILDREN", "E_FAIL"}}),
+        Slot("GetChildren", [](Rig& r) { return r.files->GetChildren(PathB, &r.a.relations); },
+             {{"Execute GETCHILDREN", "E_FAIL"}}),
+        Slot(
+            "GetCorvaneWUResults",
+            [](Rig& r) {
+                return r.files->GetCorvaneWUResults(PathList{PathA, PathB}, &r.a.relations, false);
+            },
+            {{"Execute QUERYPRIMARYOBJECTS", "E_FAIL"}, {"Execute QUERYPRIMARYOBJECTS", "E_FAIL"}}),
+        Slot("LogErrors", [](Rig& r) { return r.files->LogErrors(&r.a.code); }, {}),
     };
 }
 
@@ -229,7 +224,7 @@ inline MethodRun RunMethod(const Method& method,
         arm(rig.connector);
         const std::int64_t live = Core::MemoryManager::LiveAllocations();
         try {
-            run.result = method.call(rig);
+            run.result = method.call(rig).text;
         } catch (...) {
             run.escaped = true;
         }

@@ -31,6 +31,14 @@ template <class In, class Out> struct Sample {
     std::string output; // empty when no answer is read
 };
 
+// A versioned command's exchange: its name, the request's shared start then `rest`, and `output`.
+template <class In>
+Sample<In, typename In::Output> Versioned(const std::string& rest, std::string output) {
+    const std::string name = In::CommandName;
+    return {name, R"({"Command":")" + name + R"(","SessionId":"s-1","Version":1,)" + rest,
+            std::move(output)};
+}
+
 namespace samples {
 using namespace Corvane::CommandIO;
 using namespace Corvane::CommandIO::DataManagement;
@@ -43,24 +51,19 @@ using namespace Core::Registration;
 // three bare session commands, and registration.
 template <class Visit> void ForEachSample(Visit&& visit) {
     using namespace samples;
-    visit(Sample<CorvaneLockDesignRevisionsInput, CorvaneLockDesignRevisionsOutput>{
-        "LOCKDESIGNREVISIONS",
-        R"({"Command":"LOCKDESIGNREVISIONS","SessionId":"s-1","Version":1,"DesignIdentifiers":[)"
+    visit(Versioned<CorvaneLockDesignRevisionsInput>(
+        R"("DesignIdentifiers":[)"
         R"({"Value":"C:\\Corvane\\Pump\\Housing.par","IdentifierType":0},)"
         R"({"Value":"C:\\Corvane\\Pump\\Pump.asm","IdentifierType":0}],"TimeToLive":-1})",
         R"({"Errors":[{"ErrorCode":13,"Ids":["C:\\Corvane\\Pump\\Pump.asm"]}],"Status":[)"
         R"({"DesignIdentifier":"C:\\Corvane\\Pump\\Housing.par","LockedBy":"ann",)"
         R"("LockedAt":"2024-03-07T09:05:02Z","LockExpires":"","LockedByUrn":"urn:user:ann",)"
-        R"("ErrorCode":0}]})"});
-    visit(Sample<CorvaneUnLockDesignRevisionsInput, CorvaneUnLockDesignRevisionsOutput>{
-        "UNLOCKDESIGNREVISIONS",
-        R"({"Command":"UNLOCKDESIGNREVISIONS","SessionId":"s-1","Version":1,)"
+        R"("ErrorCode":0}]})"));
+    visit(Versioned<CorvaneUnLockDesignRevisionsInput>(
         R"("DesignIdentifiers":[{"Value":"C:\\Corvane\\Pump\\Housing.par","IdentifierType":0}]})",
         R"({"Errors":[],"Status":[{"DesignIdentifier":"C:\\Corvane\\Pump\\Housing.par",)"
-        R"("LockedBy":"","LockedAt":"","LockExpires":"","LockedByUrn":"","ErrorCode":0}]})"});
-    visit(Sample<CorvaneQueryDesignRevisionsInput, CorvaneQueryDesignRevisionsOutput>{
-        "QUERYDESIGNREVISIONS",
-        R"({"Command":"QUERYDESIGNREVISIONS","SessionId":"s-1","Version":1,)"
+        R"("LockedBy":"","LockedAt":"","LockExpires":"","LockedByUrn":"","ErrorCode":0}]})"));
+    visit(Versioned<CorvaneQueryDesignRevisionsInput>(
         R"("AttachmentCriteria":{"Definition":{"Operator":1,"SearchTerms":[)"
         R"({"Property":"name","Value":"Housing","ComparisionOp":0}]}},)"
         R"("RevisionCriteria":{"Definition":{"Operator":1,"SearchTerms":[)"
@@ -79,10 +82,8 @@ template <class Visit> void ForEachSample(Visit&& visit) {
         R"("Domain":"MCAD"}],"LockInfo":{"DesignIdentifier":"dr-7","LockedBy":"bob",)"
         R"("LockedAt":"2024-03-07T09:05:02Z","LockExpires":"","LockedByUrn":"urn:user:bob",)"
         R"("ErrorCode":0}}],"ContextInformation":{"CollaborationSpaceId":"cs-1",)"
-        R"("ContainerType":"PROJECT","ContainerId":"p-4","ContainerURN":"urn:p:4"}}]})"});
-    visit(Sample<CorvaneQueryPrimaryObjectsInput, CorvaneQueryPrimaryObjectsOutput>{
-        "QUERYPRIMARYOBJECTS",
-        R"({"Command":"QUERYPRIMARYOBJECTS","SessionId":"s-1","Version":1,)"
+        R"("ContainerType":"PROJECT","ContainerId":"p-4","ContainerURN":"urn:p:4"}}]})"));
+    visit(Versioned<CorvaneQueryPrimaryObjectsInput>(
         R"("Identifier":"C:\\Corvane\\Pump\\Housing.par","IdentifierType":0,)"
         R"("RelationTypes":["DrawingOf","DesignChildRelation"]})",
         R"({"Errors":[],"QueryRelationInfos":[{"InputDocument":)" +
@@ -91,24 +92,20 @@ template <class Visit> void ForEachSample(Visit&& visit) {
             Document(R"("C:\\Corvane\\Pump\\Pump.asm")", '2') +
             R"(,"RelationId":"r-1","RelationUrn":"urn:r:1",)"
             R"("RelationType":"DesignChildRelation","RelationConsistencyStamp":"st-5",)"
-            R"("RelationProperties":[]}]}]})"});
-    visit(Sample<CorvaneGetNextIdInput, CorvaneGetNextIdOutput>{
-        "GETNEXTID",
-        R"({"Command":"GETNEXTID","SessionId":"s-1","Version":1,"FileExtension":"par",)"
+            R"("RelationProperties":[]}]}]})"));
+    visit(Versioned<CorvaneGetNextIdInput>(
+        R"("FileExtension":"par",)"
         R"("NumberOfIds":2,"GetInitialRevId":true,"Properties":["number"],)"
         R"("DirectoryPath":"C:\\Corvane\\Pump"})",
         R"({"Errors":[],"NextIdInfo":[{"PropertyName":"number","Number":"PN-1001","Revid":"A"},)"
-        R"({"PropertyName":"number","Number":"PN-1002","Revid":"A"}]})"});
-    visit(Sample<CorvaneGetNextRevisionIdInput, CorvaneGetNextRevisionIdOutput>{
-        "GETNEXTREVISIONID",
-        R"({"Command":"GETNEXTREVISIONID","SessionId":"s-1","Version":1,)"
+        R"({"PropertyName":"number","Number":"PN-1002","Revid":"A"}]})"));
+    visit(Versioned<CorvaneGetNextRevisionIdInput>(
         R"("DesignRevisionIdentifiers":[{"Value":"urn:dr:7","IdentifierType":0}],)"
         R"("Properties":["revid"]})",
         R"({"Errors":[],"NextRevisionIdInfo":[{"RevisionFilepath":)"
-        R"("C:\\Corvane\\Pump\\Housing.par","Revid":"C"}]})"});
-    visit(Sample<CorvaneAddChildrenInput, CorvaneAddChildrenOutput>{
-        "ADDCHILDREN",
-        R"({"Command":"ADDCHILDREN","SessionId":"s-1","Version":1,"ParentChildRelationInfos":[)"
+        R"("C:\\Corvane\\Pump\\Housing.par","Revid":"C"}]})"));
+    visit(Versioned<CorvaneAddChildrenInput>(
+        R"("ParentChildRelationInfos":[)"
         R"({"ParentIdentifier":"C:\\Corvane\\Pump\\Pump.asm","ParentIdentifierType":0,)"
         R"("ChildRevisionInfos":[{"Identifier":"C:\\Corvane\\Pump\\Housing.par",)"
         R"("IdentifierType":0,"RelationProperties":[]}]}]})",
@@ -118,10 +115,8 @@ template <class Visit> void ForEachSample(Visit&& visit) {
             Document(R"("C:\\Corvane\\Pump\\Housing.par")", '1') +
             R"(,"RelationId":"r-1","RelationUrn":"urn:r:1",)"
             R"("RelationType":"DesignChildRelation","RelationVersionId":"1",)"
-            R"("RelationProperties":[{"Name":"Quantity","PropertyType":1,"PropertyValues":["2"]}]}]}]})"});
-    visit(Sample<CorvaneGetChildrenInput, CorvaneGetChildrenOutput>{
-        "GETCHILDREN",
-        R"({"Command":"GETCHILDREN","SessionId":"s-1","Version":1,)"
+            R"("RelationProperties":[{"Name":"Quantity","PropertyType":1,"PropertyValues":["2"]}]}]}]})"));
+    visit(Versioned<CorvaneGetChildrenInput>(
         R"("Identifier":"C:\\Corvane\\Pump\\Pump.asm","IdentifierType":0})",
         R"({"Errors":[],"ParentChildRelationInfo":[{"ParentDocumentInfo":)" +
             Document(R"("C:\\Corvane\\Pump\\Pump.asm")", '2') +
@@ -129,73 +124,52 @@ template <class Visit> void ForEachSample(Visit&& visit) {
             Document(R"("C:\\Corvane\\Pump\\Housing.txt","C:\\Corvane\\Pump\\Housing.par")", '1') +
             R"(,)"
             R"("RelationId":"r-1","RelationUrn":"urn:r:1","RelationType":"DesignChildRelation",)"
-            R"("RelationVersionId":"1","RelationProperties":[]}]}]})"});
-    visit(Sample<CorvaneRemoveChildrenInput, CorvaneRemoveChildrenOutput>{
-        "REMOVECHILDREN",
-        R"({"Command":"REMOVECHILDREN","SessionId":"s-1","Version":1,)"
-        R"("RelationURNs":["urn:r:1",""]})",
-        R"({"Errors":[{"ErrorCode":8,"Ids":[""]}]})"});
-    visit(Sample<CorvaneGetFileContextInformationInput, CorvaneGetFileContextInformationOutput>{
-        "GETFILECONTEXTINFO",
-        R"({"Command":"GETFILECONTEXTINFO","SessionId":"s-1","Version":1,)"
+            R"("RelationVersionId":"1","RelationProperties":[]}]}]})"));
+    visit(Versioned<CorvaneRemoveChildrenInput>(R"("RelationURNs":["urn:r:1",""]})",
+                                                R"({"Errors":[{"ErrorCode":8,"Ids":[""]}]})"));
+    visit(Versioned<CorvaneGetFileContextInformationInput>(
         R"("Files":["C:\\Corvane\\Pump\\Housing.par"]})",
         R"({"Errors":[],"FileContextInformation":[{"FileInformation":[)" +
             Document(R"("C:\\Corvane\\Pump\\Housing.par")", '1') +
             R"(],"ContextInformation":{"CollaborationSpaceId":"cs-1",)"
-            R"("ContainerType":"PROJECT","ContainerId":"p-4","ContainerURN":"urn:p:4"}}]})"});
-    visit(Sample<CorvaneGetFilePathByUidInput, CorvaneGetFilePathByUidOutput>{
-        "GETFILEPATHBYUID",
-        R"({"Command":"GETFILEPATHBYUID","SessionId":"s-1","Version":1,)"
+            R"("ContainerType":"PROJECT","ContainerId":"p-4","ContainerURN":"urn:p:4"}}]})"));
+    visit(Versioned<CorvaneGetFilePathByUidInput>(
         R"("ListOfFileUidAndContextInformation":[{"FileUid":"d-1"},{"FileUid":"d-2"}]})",
         R"({"Errors":[],"DocumentIdToFilePathMap":[{"Key":"d-1","Values":)"
-        R"(["C:\\Corvane\\Pump\\Housing.par"]},{"Key":"d-2","Values":[]}]})"});
-    visit(Sample<CorvaneCheckNewerVersionOnCloudInput, CorvaneCheckNewerVersionOnCloudOutput>{
-        "CHECKFORNEWERVERSION",
-        R"({"Command":"CHECKFORNEWERVERSION","SessionId":"s-1","Version":1,)"
+        R"(["C:\\Corvane\\Pump\\Housing.par"]},{"Key":"d-2","Values":[]}]})"));
+    visit(Versioned<CorvaneCheckNewerVersionOnCloudInput>(
         R"("IdentifierToCheckForNewerVersion":["C:\\Corvane\\Pump\\Housing.par"],)"
         R"("IdentifierType":0})",
         R"({"Errors":[],"IdentifierToNewerVersionId":[{"Key":"d-1","Value":"st-6"}],)"
-        R"("IdentifierToHasNewerVersionInCloud":[{"Key":"d-1","Value":true}]})"});
-    visit(Sample<CorvaneGetPropertiesInput, CorvaneGetPropertiesOutput>{
-        "GETPROPERTIES",
-        R"({"Command":"GETPROPERTIES","SessionId":"s-1","Version":1,)"
+        R"("IdentifierToHasNewerVersionInCloud":[{"Key":"d-1","Value":true}]})"));
+    visit(Versioned<CorvaneGetPropertiesInput>(
         R"("FilePathToObjectTypesArray":[{"Key":"C:\\Corvane\\Pump\\Gehäuse.par",)"
         R"("ObjectTypeList":[0,2,1]}]})",
         R"({"Errors":[],"FilePropertiesArray":[{"FilePath":"C:\\Corvane\\Pump\\Housing.par",)"
         R"("ObjectTypeToPropertiesArray":[{"ObjectType":1,"Properties":[{"Name":"LockedBy",)"
         R"("PropertyType":0,"PropertyValues":["ann"]}]},{"ObjectType":2,"Properties":[)"
         R"({"Name":"consistencyStamp","PropertyType":0,"PropertyValues":["st-5"]},)"
-        R"({"Name":"DocumentId","PropertyType":0,"PropertyValues":["d-1"]}]}]}]})"});
-    visit(Sample<CorvaneGetAvailableContainersInput, CorvaneGetAvailableContainersOutput>{
-        "GETAVAILABLECONTAINERS",
-        R"({"Command":"GETAVAILABLECONTAINERS","SessionId":"s-1","Version":1,"Name":"",)"
+        R"({"Name":"DocumentId","PropertyType":0,"PropertyValues":["d-1"]}]}]}]})"));
+    visit(Versioned<CorvaneGetAvailableContainersInput>(
+        R"("Name":"",)"
         R"("ContainerType":[0,2],"ReturnUnsynched":false})",
         R"({"Errors":[],"ContainerInformation":[{"LocalFilePath":"C:\\Corvane\\Pump",)"
         R"("ContainerType":0,"ContainerName":"Pump","ContainerId":"p-4",)"
         R"("ContainerUrn":"urn:p:4","ContainerOwnershipType":1,)"
-        R"("CollaborationSpace":{"CollaborationSpaceId":"cs-1"}}]})"});
-    visit(Sample<CorvaneAddProjectToSyncInput, CorvaneAddProjectToSyncOutput>{
-        "ADDPROJECTTOSYNC",
-        R"({"Command":"ADDPROJECTTOSYNC","SessionId":"s-1","Version":1,)"
-        R"("ProjectURN":"urn:p:4"})",
-        R"({"Errors":[],"TaskId":"t-31"})"});
-    visit(Sample<CorvaneGetAccessPermissionsInput, CorvaneGetAccessPermissionsOutput>{
-        "GETACCESSPERMISSIONS",
-        R"({"Command":"GETACCESSPERMISSIONS","SessionId":"s-1","Version":1,)"
+        R"("CollaborationSpace":{"CollaborationSpaceId":"cs-1"}}]})"));
+    visit(Versioned<CorvaneAddProjectToSyncInput>(R"("ProjectURN":"urn:p:4"})",
+                                                  R"({"Errors":[],"TaskId":"t-31"})"));
+    visit(Versioned<CorvaneGetAccessPermissionsInput>(
         R"("Paths":["C:\\Corvane\\Pump\\Housing.par"]})",
         R"({"Errors":[],"AccessPermissionsInfo":[{"Path":"C:\\Corvane\\Pump\\Housing.par",)"
-        R"("AccessPermission":2,"MoreInfo":"read only"}]})"});
-    visit(Sample<CorvaneIsPathMonitoredInput, CorvaneIsPathMonitoredOutput>{
-        "ISPATHMONITORED",
-        R"({"Command":"ISPATHMONITORED","SessionId":"s-1","Version":1,)"
+        R"("AccessPermission":2,"MoreInfo":"read only"}]})"));
+    visit(Versioned<CorvaneIsPathMonitoredInput>(
         R"("Paths":["C:\\Corvane\\Pump\\Housing.par","D:\\elsewhere.par"]})",
         R"({"Errors":[],"PathToIsMonitored":[{"Key":"C:\\Corvane\\Pump\\Housing.par",)"
-        R"("Value":true},{"Key":"D:\\elsewhere.par","Value":false}]})"});
-    visit(Sample<CorvaneSetDataObjectInput, CorvaneSetDataObjectOutput>{
-        "SETDATAOBJECT",
-        R"({"Command":"SETDATAOBJECT","SessionId":"s-1","Version":1,)"
+        R"("Value":true},{"Key":"D:\\elsewhere.par","Value":false}]})"));
+    visit(Versioned<CorvaneSetDataObjectInput>(
         R"("Key":{"PrimaryKey":"layout","SecondaryKey":"SaveData"},"Data":"{\"zoom\":2}"})",
-        R"({"Errors":[{"ErrorCode":7,"Ids":["layout"]}]})"});
+        R"({"Errors":[{"ErrorCode":7,"Ids":["layout"]}]})"));
     visit(Sample<Core::CommandIO::CommandInputBase, CommandOutputBase>{
         "GETCONNECTIONSTATUS", R"({"Command":"GETCONNECTIONSTATUS","SessionId":"s-1"})",
         R"({"Errors":[{"ErrorCode":6,"Ids":[]},{"ErrorCode":3,"Ids":["ann"]}]})"});
