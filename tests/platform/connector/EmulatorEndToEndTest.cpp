@@ -6,15 +6,14 @@
 #include "support/ComTestSupport.h"
 #include "support/EmulatorProcess.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
 using testsupport::EmulatorProcess;
 
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
+using ::testing::HasSubstr;
 
 class EmulatorSession : public ::testing::Test {
 protected:
@@ -54,7 +53,7 @@ TEST_F(EmulatorSession, TheDefaultBackendConnectsRegistersAndReadsTheSession) {
     RootFolderSet roots;
     EXPECT_EQ(S_OK, session->GetRootFolders(&roots));
     EXPECT_EQ(RootFolderSet{GUserText(emulator->WorkspaceFolder().c_str())}, roots);
-    EXPECT_TRUE(Contains(emulator->Control(R"({"Action":"status"})"), R"("Sessions":1)"));
+    EXPECT_THAT(emulator->Control(R"({"Action":"status"})"), HasSubstr(R"("Sessions":1)"));
 
     // Offline, then signed out: the status check fails and the session says which.
     emulator->Control(R"({"Action":"offline"})");
@@ -68,7 +67,7 @@ TEST_F(EmulatorSession, TheDefaultBackendConnectsRegistersAndReadsTheSession) {
     emulator->Control(R"({"Action":"signin"})");
 
     session->DeRegisterFromCorvane();
-    EXPECT_TRUE(Contains(emulator->Control(R"({"Action":"status"})"), R"("Sessions":0)"));
+    EXPECT_THAT(emulator->Control(R"({"Action":"status"})"), HasSubstr(R"("Sessions":0)"));
 }
 
 TEST_F(EmulatorSession, StartLaunchesTheEmulatorAndWaitsUntilItIsReady) {

@@ -67,8 +67,7 @@ std::vector<std::int32_t> Codes(const std::string& answer) {
 }
 
 // One emulator on the example workspace, with the database in memory and a session registered.
-class Emulator {
-public:
+struct Emulator {
     Emulator() { Send("register {'ProcessId':42}"); }
     // The operation "expire" is this test's own: it makes the lock of a document expire now.
     Answer Send(const std::string& request) {
