@@ -11,18 +11,16 @@
 
 namespace {
 
-using testsupport::EmulatorProcess;
-
 using ::testing::HasSubstr;
 
 class EmulatorSession : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!EmulatorProcess::Available()) {
+        if (!testsupport::EmulatorProcess::Available()) {
             GTEST_SKIP() << "this build has no emulator program to start";
         }
         vanto::ResetSessionStateForTesting();
-        emulator = std::make_unique<EmulatorProcess>();
+        emulator = std::make_unique<testsupport::EmulatorProcess>();
         manager = std::make_unique<testsupport::ManagerHandle>();
         session = manager->Session();
     }
@@ -35,7 +33,7 @@ protected:
         vanto::ResetSessionStateForTesting();
     }
 
-    std::unique_ptr<EmulatorProcess> emulator;
+    std::unique_ptr<testsupport::EmulatorProcess> emulator;
     std::unique_ptr<testsupport::ManagerHandle> manager;
     IVANTOSession* session = nullptr;
 };

@@ -128,6 +128,7 @@ TEST(EmulatorHandler, AnswersAndLocksAfter) {
         Command("REMOVECHILDREN", ",'RelationURNs':['urn:corvane:relation:REL-000008','']");
     const std::string fault =
         "control {'Action':'fault','Command':'LOCKDESIGNREVISIONS','FailCode':2";
+    const std::string nextId = ",'DirectoryPath':'$/Gearbox','FileExtension':'";
     const std::string monitored = "execute {'Command':'ISPATHMONITORED','SessionId':'@','Paths':['";
     const std::string named =
         "execute {'Command':'QUERYDESIGNREVISIONS','SessionId':'@','"
@@ -170,20 +171,20 @@ TEST(EmulatorHandler, AnswersAndLocksAfter) {
         {{},
          Command("GETAVAILABLECONTAINERS", ",'ReturnUnsynched':true"),
          {},
-         {"'ContainerName':'Gearbox'", "'CS-DRIVES'", "'ContainerName':'Pump'"}},
+         {"'ContainerName':'Gearbox'", "'ContainerName':'Pump'"}},
         {{}, pump, {}, {"!'TaskId':''"}},
         {{pump}, pump, {102}},
         {{}, Command("ADDPROJECTTOSYNC", ",'ProjectURN':'urn:corvane:project:none'"), {8}},
         // Item numbers and revision ids never repeat.
-        {{Command("GETNEXTID", ",'FileExtension':'par','NumberOfIds':3")},
-         Command("GETNEXTID", ",'FileExtension':'par','NumberOfIds':1,'GetInitialRevId':true"),
+        {{Command("GETNEXTID", nextId + "par','NumberOfIds':3")},
+         Command("GETNEXTID", nextId + "par','NumberOfIds':1,'GetInitialRevId':true"),
          {},
-         {"'Number':'1004','Revid':'A'", "!'1005'"}},
-        {{}, Command("GETNEXTID", ",'FileExtension':'txt','NumberOfIds':1"), {18}},
+         {"'Number':'1012','Revid':'A'", "!'1013'"}},
+        {{}, Command("GETNEXTID", nextId + "txt','NumberOfIds':1"), {18}},
         {{}, revision, {}, {"'Revid':'C'", Gearbox}},
         {{revision}, revision, {}, {"'Revid':'D'"}},
         // The search by name, in any case: each design revision once.
-        {{}, named + "gearbox'}]}}}", {}, {Gearbox}},
+        {{}, named + "gearbox'}]}}}", {}, {"'FileName':'gearbox.asm'"}},
         {{}, named + "Nothing'}]}}}", {}, {"'DesignRevisionInfo':[]"}},
         // Structure: children, where used, a child added once and removed by its URN (an empty
         // URN is passed over).
@@ -216,7 +217,7 @@ TEST(EmulatorHandler, AnswersAndLocksAfter) {
         {{Control("offline")}, Properties(Shaft, 1), {}},
         {{Control("offline"), Control("online")}, status, {}},
         {{Control("signout")}, status, {3}},
-        {{Control("signout")}, "register {}", {}, {"'SessionId':''"}},
+        {{Control("signout")}, "register {}", {3}, {"'SessionId':''"}},
         {{Control("signout"), Control("signin"), "register {}"}, status, {}},
         // Faults: a failure and a delay, for a number of calls or until cleared.
         {{fault + ",'LatencyMs':250}"}, Lock(Shaft), {2}, {}, Imported, 250},
