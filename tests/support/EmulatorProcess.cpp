@@ -59,9 +59,20 @@ std::wstring ForEmulator(const std::wstring& path) {
     return platform::os::PathForProgram(Program(), path);
 }
 
-std::wstring ExampleWorkspace() {
-    return platform::os::PathFromUnix(VANTO_EXAMPLES_DIR "/workspace");
-}
+// The component's default backend looks for an emulator through the environment, the user's
+// settings and the folder of the module. In this test program it finds none unless a test starts
+// one, whatever the machine has set up for its user.
+class NoEmulator : public ::testing::Environment {
+public:
+    void SetUp() override {
+        const auto nowhere = fs::temp_directory_path() / "vanto-no-emulator-here";
+        platform::os::SetEnvironmentValue(L"VANTO_CORVANE_EMULATOR", nowhere.wstring());
+        platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", nowhere.wstring());
+    }
+};
+
+[[maybe_unused]] ::testing::Environment* const noEmulator =
+    ::testing::AddGlobalTestEnvironment(new NoEmulator);
 
 } // namespace
 
@@ -80,7 +91,8 @@ EmulatorProcess::EmulatorProcess(Options options)
     } else if (options_.workspace.empty()) {
         // A copy: the tests change documents, and the example stays as it is.
         const fs::path copy = fs::path(scratch_) / "workspace";
-        fs::copy(fs::path(ExampleWorkspace()), copy, fs::copy_options::recursive);
+        fs::copy(platform::os::PathFromUnix(VANTO_EXAMPLES_DIR "/workspace"), copy,
+                 fs::copy_options::recursive);
         workspace_ = copy.wstring();
     } else {
         workspace_ = options_.workspace;
@@ -88,7 +100,8 @@ EmulatorProcess::EmulatorProcess(Options options)
     previousProgram_ = platform::os::EnvironmentValue(L"VANTO_CORVANE_EMULATOR");
     previousData_ = platform::os::EnvironmentValue(L"VANTO_CORVANE_DATA");
     if (options_.current) {
-        MakeCurrent();
+        platform::os::SetEnvironmentValue(L"VANTO_CORVANE_EMULATOR", Program());
+        platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", data_);
     }
     Start();
 }
@@ -98,11 +111,6 @@ EmulatorProcess::~EmulatorProcess() {
     RemoveTree(fs::path(scratch_));
     platform::os::SetEnvironmentValue(L"VANTO_CORVANE_EMULATOR", previousProgram_);
     platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", previousData_);
-}
-
-void EmulatorProcess::MakeCurrent() const {
-    platform::os::SetEnvironmentValue(L"VANTO_CORVANE_EMULATOR", Program());
-    platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", data_);
 }
 
 std::string EmulatorProcess::WorkspaceFolder() const {
@@ -130,12 +138,10 @@ void EmulatorProcess::Start() {
         arguments.insert(arguments.end(),
                          {L"--cloud", ForEmulator(options_.cloudOf->data_) + L"/corvane.db"});
     }
-    arguments.insert(arguments.end(), options_.arguments.begin(), options_.arguments.end());
     const platform::os::LaunchedProgram launched =
         platform::os::LaunchDetached(Program(), arguments);
     ASSERT_TRUE(launched.started);
     pid_ = launched.pid;
-    running_ = true;
     for (int waited = 0; !fs::exists(endpoint); waited += 20) {
         ASSERT_LT(waited, 20000) << "the emulator did not start";
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -146,26 +152,21 @@ void EmulatorProcess::Kill() {
     ASSERT_NE(0u, pid_) << "no process to end: Wine gives the Unix program none";
     EXPECT_TRUE(platform::os::KillProcess(pid_));
     pid_ = 0;
-    running_ = false;
+    fs::remove(fs::path(data_) / "endpoint.json"); // a dead emulator's
 }
 
 void EmulatorProcess::Stop() {
-    if (!running_) {
-        return;
-    }
-    running_ = false;
     try {
         Control(R"({"Action":"stop"})");
     } catch (...) {
         // Gone already.
     }
-    if (pid_ == 0) {
-        // No process to wait on: it removes its endpoint file last.
-        const fs::path endpoint = fs::path(data_) / "endpoint.json";
-        for (int waited = 0; fs::exists(endpoint) && waited < 10000; waited += 20) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-    } else if (!platform::os::WaitForExit(pid_, 10000)) {
+    // It removes its endpoint file last; Wine gives no process to wait on.
+    const fs::path endpoint = fs::path(data_) / "endpoint.json";
+    for (int waited = 0; fs::exists(endpoint) && waited < 10000; waited += 20) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    if (pid_ != 0 && !platform::os::WaitForExit(pid_, 10000)) {
         platform::os::KillProcess(pid_);
     }
     pid_ = 0;

@@ -1,7 +1,7 @@
 // A connector emulator for one test: started on a scratch folder (its data and a copy of the
 // example workspace), on a port of its own, and made the one the component's default backend
 // reaches; stopped and removed at the end. Elsewhere in the test program the default backend finds
-// no emulator (see NoEmulator.cpp).
+// no emulator.
 //
 // The Windows tests run under Wine and start the Linux emulator (a native build beside theirs):
 // both ends see the same files, the emulator by their Unix names, and the same loopback.
@@ -10,16 +10,14 @@
 #include "connector/ConnectorLink.h"
 
 #include <string>
-#include <vector>
 
 namespace testsupport {
 
 class EmulatorProcess {
 public:
     struct Options {
-        std::vector<std::wstring> arguments; // more options of `serve`
-        std::wstring workspace;              // empty: a copy of the example workspace
-        std::wstring user;                   // empty: the emulator's default user
+        std::wstring workspace; // empty: a copy of the example workspace
+        std::wstring user;      // empty: the emulator's default user
         // Another desktop on the same cloud: this one's database is that one's.
         const EmulatorProcess* cloudOf = nullptr;
         // Whether the component's default backend is pointed at this emulator.
@@ -39,10 +37,8 @@ public:
     void Start();
     // Ends it at once, as a crash would (not under Wine, where the emulator is no Windows process).
     void Kill();
-    // Asks it to stop and waits for it.
+    // Asks the emulator on this data folder, whoever started it, to stop and waits for it.
     void Stop();
-    // Points the component's default backend at this emulator (for the programs started after).
-    void MakeCurrent() const;
 
     const std::wstring& DataFolder() const { return data_; }
     // The workspace folder as the component names it.
@@ -59,7 +55,6 @@ private:
     std::wstring data_;
     std::wstring workspace_;
     unsigned long pid_ = 0;
-    bool running_ = false;
     std::wstring previousProgram_;
     std::wstring previousData_;
 };
