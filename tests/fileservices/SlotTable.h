@@ -257,4 +257,59 @@ inline MethodRun CleanRun(const Method& method) {
     return clean;
 }
 
+// The session slots, in the interface's order.
+inline std::vector<Method> SessionMethods() {
+    return {
+        Slot(
+            "IsConnected", [](Rig& r) { return r.session->IsConnected(true); },
+            {{"RegisterClient", "false", Says::RegisterLine},
+             {"Execute GETCORVANEROOTFOLDERS", "true", Says::ExecuteLine, true},
+             {"Execute GETSESSIONINFO", "true", Says::ExecuteLine, true},
+             {"Execute GETCONNECTIONSTATUS", "false"}},
+            [](Rig&) {}), // not yet registered
+        Slot("GetRootFolders",
+             [](Rig& r) {
+                 RootFolderSet folders;
+                 return r.session->GetRootFolders(&folders);
+             },
+             {{"Execute GETCORVANEROOTFOLDERS", "S_OK"}}),
+        Slot("GetCurrentLoggedInUserInfo",
+             [](Rig& r) {
+                 LoggedInUserInfo user;
+                 return r.session->GetCurrentLoggedInUserInfo(&user);
+             },
+             {{"Execute GETSESSIONINFO", "S_OK"}}),
+        Slot("IsCorvaneRunning", [](Rig& r) { return r.session->IsCorvaneRunning(); }),
+        Slot("IsCorvaneInstalled", [](Rig& r) { return r.session->IsCorvaneInstalled(); }),
+        Slot(
+            "StartCorvaneAndWaitForReadyState",
+            [](Rig& r) {
+                bool timedOut = true;
+                return r.session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr);
+            },
+            {{"LaunchApplication", "false", Says::LaunchLine},
+             {"DeRegisterClient", "true", Says::DeregisterLine, true},
+             {"RegisterClient", "false"},
+             {"Execute GETSESSIONINFO", "true", Says::ExecuteLine, true},
+             {"Execute GETCONNECTIONSTATUS", "false"}},
+            [](Rig& r) {
+                Granted(r);
+                r.connector.running = false;
+            }),
+        Slot("DeRegisterFromCorvane",
+             [](Rig& r) {
+                 r.session->DeRegisterFromCorvane();
+                 return std::string("-");
+             },
+             {{"DeRegisterClient", "-", Says::DeregisterLine}}),
+        Slot("IsCorvaneInOffLineMode", [](Rig& r) { return r.session->IsCorvaneInOffLineMode(); }),
+        Slot("GetSessionInfo",
+             [](Rig& r) {
+                 SessionInfo info;
+                 return r.session->GetSessionInfo(&info);
+             },
+             {{"Execute GETSESSIONINFO", "S_OK"}}),
+    };
+}
+
 } // namespace testsupport::slots
