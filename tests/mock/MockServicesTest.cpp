@@ -2,12 +2,12 @@
 // input files a host may find at the fixed path: none, empty, broken, hostile or very large. Each
 // test gets its own drive Z:, a fresh mock store and a manager made as a host makes it.
 #include "fileservices/SlotTable.h"
-#include "host/GUserFileName.h"
 #include "host/HostLog.h"
 #include "mock/MockStore.h"
 #include "support/ComTestSupport.h"
 #include "support/DriveRoot.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -17,7 +17,6 @@ namespace {
 
 using testsupport::ManagerHandle;
 using testsupport::ScopedDriveRoot;
-using vanto::mock::DeepestNesting;
 
 class MockTest : public ::testing::Test {
 protected:
@@ -30,86 +29,67 @@ protected:
 
     void WriteInput(const std::string& xml) { drive.Write(vanto::mock::InputFilePath, xml); }
 
-    // The store as the mock sees it: read on first use.
-    static const vanto::mock::MockStore& Store() { return *vanto::mock::Store(); }
-
     ScopedDriveRoot drive;
     ManagerHandle manager;
     IVANTOSession* session = manager.MockSession();
     IVANTOFileServices* files = manager.MockFileServices();
 };
 
-const char* const Sample = R"(<?xml version="1.0"?>
-<xml>
-  <RootFolder>Z:\PDM\VANTO\Root</RootFolder>
-  <OrbexUserName>Alice</OrbexUserName>
-  <Projects><Project><ProjectName>Gearbox</ProjectName><Owner>alice</Owner></Project></Projects>
-  <Files>
-    <File><FileName>Z:\PDM\VANTO\Root\bracket.par</FileName><CheckedOutBy>alice</CheckedOutBy></File>
-    <File><FileName>Z:\PDM\VANTO\Root\housing.asm</FileName><CheckedOutBy>bob</CheckedOutBy></File>
-    <Other><FileName>Z:\PDM\VANTO\ROOT\BRACKET.PAR</FileName><CheckedOutBy>carol</CheckedOutBy></Other>
-  </Files>
-</xml>)";
+const char* const Sample =
+    "<?xml version='1.0'?><xml><RootFolder>Z:\\PDM\\VANTO\\Root</RootFolder><OrbexUserName>Alice"
+    "</OrbexUserName><Projects><Project><ProjectName>Gearbox</ProjectName><Owner>alice</Owner>"
+    "</Project></Projects><Files><File><FileName>Z:\\PDM\\VANTO\\Root\\bracket.par</FileName>"
+    "<CheckedOutBy>alice</CheckedOutBy></File><File><FileName>Z:\\PDM\\VANTO\\Root\\housing.asm"
+    "</FileName><CheckedOutBy>bob</CheckedOutBy></File><Other><FileName>Z:\\PDM\\VANTO\\ROOT\\"
+    "BRACKET.PAR</FileName><CheckedOutBy>carol</CheckedOutBy></Other></Files></xml>";
 
 // Without memory for the store, the methods that need it answer 0x8007000E and touch nothing;
-// the store is made (and the file read) by the first call after memory is back.
-TEST_F(MockTest, NoStoreMeansOutOfMemoryUntilOneCanBeMade) {
+// the store is made (and the file read) by the first call after memory is back. The mock session
+// is always connected and writes no log records; the root folder is created by the first call
+// that asks for it. An unknown file leaves the status alone, and the root is matched as written.
+TEST_F(MockTest, TheSampleStoreOnceThereIsMemoryForIt) {
     WriteInput(Sample);
     drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
-    constexpr HRESULT OutOfMemory = static_cast<HRESULT>(0x8007000E);
+    CapturingLogSink log;
     vanto::mock::FailStoreAllocationForTesting(true);
     RootFolderSet roots{GUserText(L"C:\\Existing")};
-    FileCheckInList items{{GUserText(L"Z:\\PDM\\VANTO\\Root\\bracket.par"), 0, GUserText()}};
-    FileLockStatusMap locks{{GUserText(L"Z:\\PDM\\VANTO\\Root\\bracket.par"), {}}};
-    FileStatusInformation status;
-    status.checkedOutBy = L"before";
+    FileStatusInformation status{true, true, L"before", 1, 1};
     PathMonitoredMap monitored;
     const GUserText inside(L"Z:\\PDM\\VANTO\\Root\\bracket.par");
-    EXPECT_EQ(OutOfMemory, session->GetRootFolders(&roots));
-    EXPECT_EQ(OutOfMemory, files->CheckIn(&items));
-    EXPECT_EQ(OutOfMemory, files->CheckOut(&locks));
-    EXPECT_EQ(OutOfMemory, files->GetStatusInformation(inside, &status));
+    EXPECT_EQ(static_cast<HRESULT>(0x8007000E), session->GetRootFolders(&roots));
+    EXPECT_EQ(static_cast<HRESULT>(0x8007000E), files->GetStatusInformation(inside, &status));
     EXPECT_FALSE(files->IsValidCorvaneFile(inside));
     EXPECT_EQ(S_OK, files->IsValidCorvaneFile(PathList{inside}, &monitored));
     EXPECT_EQ((PathMonitoredMap{{inside, false}}), monitored);
-    EXPECT_EQ((RootFolderSet{GUserText(L"C:\\Existing")}), roots);
-    EXPECT_EQ(GUserText(L"before"), status.checkedOutBy);
     EXPECT_EQ(nullptr, vanto::mock::Store());
 
     vanto::mock::FailStoreAllocationForTesting(false);
-    EXPECT_TRUE(files->IsValidCorvaneFile(inside));
-    EXPECT_EQ(S_OK, files->GetStatusInformation(inside, &status));
-    EXPECT_EQ(GUserText(L"alice"), status.checkedOutBy);
-}
-
-// The mock session is always connected and writes no log records; the store's root folder is
-// created by the first call that asks for it.
-TEST_F(MockTest, TheSessionIsAlwaysConnectedSilentAndMakesTheRootFolder) {
-    WriteInput(Sample);
-    drive.RemoveAfterwards(L"Z:\\PDM\\VANTO\\Root");
-    ASSERT_FALSE(GUserFileName(GUserText(L"Z:\\PDM\\VANTO\\Root")).Exists());
-    CapturingLogSink log;
-    RootFolderSet roots{GUserText(L"C:\\Existing")};
-    LoggedInUserInfo user;
-    bool timedOut = true;
-    SessionInfo info{L"kept", L"", L"", L""};
     EXPECT_TRUE(session->IsConnected(true) && session->IsCorvaneRunning() &&
                 session->IsCorvaneInstalled() && !session->IsCorvaneInOffLineMode());
-    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr));
-    EXPECT_FALSE(timedOut);
+    bool timedOut = true;
+    EXPECT_TRUE(session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr) && !timedOut);
     session->DeRegisterFromCorvane();
+    SessionInfo info{L"kept", L"", L"", L""};
     EXPECT_EQ(S_OK, session->GetSessionInfo(&info));
     EXPECT_EQ(GUserText(L"kept"), info.authenticatedUserName);
     ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
     EXPECT_EQ((RootFolderSet{L"C:\\Existing", L"Z:\\PDM\\VANTO\\Root"}), roots);
     EXPECT_TRUE(std::filesystem::is_directory(drive.Native(L"Z:\\PDM\\VANTO\\Root")));
-    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
-    EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
+
+    ASSERT_EQ(S_OK, files->GetStatusInformation(L"Z:\\PDM\\VANTO\\Root\\none.par", &status));
+    EXPECT_EQ(GUserText(L"before"), status.checkedOutBy);
+    EXPECT_TRUE(status.isCheckedOutByMe);
+    const PathList paths{L"z:\\pdm\\vanto\\root\\a.par", L"C:\\kept.par", L"Z:\\PDM\\VANTO\\Roo"};
+    monitored = {{L"C:\\kept.par", true}};
+    ASSERT_EQ(S_OK, files->IsValidCorvaneFile(paths, &monitored));
+    EXPECT_EQ((PathMonitoredMap{{paths[0], false}, {paths[1], true}, {paths[2], false}}),
+              monitored);
     EXPECT_TRUE(log.records.empty());
 }
 
 // The mock's answer in each file-service slot where it is not S_OK, with a store that knows the
-// slot table's first path (checked in and out by another user, with an error code).
+// slot table's first path (checked in and out by the user, written in another case, with an error
+// code).
 const std::map<std::string, std::string> MockResults = {{"IsValidCorvaneFile(path)", "true"},
                                                         {"IsNewRevisionAvailable", "false"},
                                                         {"IsNewVersionAvailable", "false"},
@@ -147,7 +127,7 @@ std::vector<std::wstring> Observed(const testsupport::SlotArguments& a) {
 // leaves the caller's data as it came, but for what the store tells about the known file.
 TEST_F(MockTest, EachSlotGivesItsAnswerAndLeavesTheCallersData) {
     using namespace testsupport::slots;
-    WriteInput("<xml><RootFolder>C:\\Corvane</RootFolder><OrbexUserName>Ann</OrbexUserName>"
+    WriteInput("<xml><RootFolder>C:\\Corvane</RootFolder><OrbexUserName>BOB</OrbexUserName>"
                "<Files><F><FileName>c:\\corvane\\pump\\housing.par</FileName>"
                "<CheckIn>no</CheckIn><CheckedOut>no</CheckedOut><CheckedOutBy>bob</CheckedOutBy>"
                "<ErrorCode>DAL_E_CHECKED_OUT_TO_OTHER_USER</ErrorCode></F></Files></xml>");
@@ -170,6 +150,7 @@ TEST_F(MockTest, EachSlotGivesItsAnswerAndLeavesTheCallersData) {
             expected.monitored = {{PathA, true}};
         } else if (method.name == "GetStatusInformation") {
             expected.status.checkedOutBy = L"bob";
+            expected.status.isCheckedOutByMe = true; // the user is matched ignoring case
         }
         EXPECT_EQ(Observed(expected), Observed(run.args));
     }
@@ -182,80 +163,35 @@ std::wstring CountedUserName() {
     return g_userName;
 }
 
-TEST_F(MockTest, LogonUserIsReadOncePerProcessIntoBothTexts) {
+// Without an input file the store is empty for the process: one that appears later is not read.
+// The logon user is read once per process into both texts (again only while it could not be
+// read); the e-mail stays as the caller had it.
+TEST_F(MockTest, NoInputFileAndTheLogonUserAreReadOncePerProcess) {
+    RootFolderSet roots;
+    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
+    EXPECT_EQ(RootFolderSet{GUserText()}, roots);
+    WriteInput("<xml><RootFolder>Z:\\R</RootFolder><Files><F><FileName>Z:\\R\\a.par</FileName>"
+               "</F></Files></xml>");
+    EXPECT_EQ(static_cast<HRESULT>(0x80070490), files->CheckOut(nullptr));
+    EXPECT_FALSE(files->IsValidCorvaneFile(GUserText(L"Z:\\R\\a.par")));
+
     const auto previous = vanto::mock::SetUserNameSourceForTesting(&CountedUserName);
     g_userReads = 0;
-    g_userName = L""; // could not be read: asked again next time
-    LoggedInUserInfo first{L"", L"", L"kept@example.com"};
-    ASSERT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&first));
-    g_userName = L"jdoe";
-    ASSERT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&first));
-    EXPECT_EQ(GUserText(L"jdoe"), first.loginName);
-    EXPECT_EQ(GUserText(L"jdoe"), first.displayName);
-    EXPECT_EQ(GUserText(L"kept@example.com"), first.email);
-
-    g_userName = L"someone-else";
-    ManagerHandle other;
-    LoggedInUserInfo second;
-    ASSERT_EQ(S_OK, other.MockSession()->GetCurrentLoggedInUserInfo(&second));
-    EXPECT_EQ(GUserText(L"jdoe"), second.loginName);
+    LoggedInUserInfo user;
+    for (const wchar_t* name : {L"", L"jdoe", L"someone-else"}) {
+        g_userName = name;
+        user = {L"", L"", L"kept@example.com"};
+        ManagerHandle other;
+        ASSERT_EQ(S_OK, other.MockSession()->GetCurrentLoggedInUserInfo(&user));
+    }
+    EXPECT_EQ((std::vector<GUserText>{L"jdoe", L"jdoe", L"kept@example.com"}),
+              (std::vector<GUserText>{user.loginName, user.displayName, user.email}));
     EXPECT_EQ(2, g_userReads);
     vanto::mock::SetUserNameSourceForTesting(previous);
 }
 
-// Beyond the slot walk: the first of two entries differing in case wins, the user is matched
-// ignoring case, an unknown file leaves the status alone, and the root folder is matched as
-// written.
-TEST_F(MockTest, StatusTakesTheFirstEntryAndValidityTheRootAsWritten) {
-    WriteInput(Sample);
-    FileStatusInformation status;
-    ASSERT_EQ(S_OK, files->GetStatusInformation(L"z:\\pdm\\vanto\\root\\BRACKET.par", &status));
-    EXPECT_EQ(GUserText(L"alice"), status.checkedOutBy); // not the later "carol"
-    EXPECT_TRUE(status.isCheckedOutByMe);                // "Alice" in the file
-    FileStatusInformation untouched{true, true, L"earlier", 1, 1};
-    ASSERT_EQ(S_OK, files->GetStatusInformation(L"Z:\\PDM\\VANTO\\Root\\none.par", &untouched));
-    EXPECT_EQ(GUserText(L"earlier"), untouched.checkedOutBy);
-    EXPECT_TRUE(untouched.isCheckedOutByMe);
-    EXPECT_EQ(GUserText(L"alice"), Store().projects.at(L"Gearbox").owner);
-
-    PathMonitoredMap monitored{{L"C:\\kept.par", true}};
-    const PathList paths{L"z:\\pdm\\vanto\\root\\a.par", L"C:\\kept.par", L"Z:\\PDM\\VANTO\\Roo"};
-    ASSERT_EQ(S_OK, files->IsValidCorvaneFile(paths, &monitored));
-    EXPECT_EQ((PathMonitoredMap{{L"z:\\pdm\\vanto\\root\\a.par", false},
-                                {L"C:\\kept.par", true},
-                                {L"Z:\\PDM\\VANTO\\Roo", false}}),
-              monitored);
-}
-
-// The results worked out per item are handed to nobody; they are checked on the store itself.
-TEST_F(MockTest, ItemResultsFollowTheFlagsAndErrorCodeNames) {
-    WriteInput(R"(<xml><Files>
-      <F><FileName>a</FileName><CheckIn>no</CheckIn><ErrorCode>DAL_E_CHECKED_OUT_TO_OTHER_USER</ErrorCode></F>
-      <F><FileName>b</FileName><CheckIn>NO</CheckIn><ErrorCode>dal_e_checked_out_to_other_user</ErrorCode></F>
-      <F><FileName>c</FileName><CheckedOut>nO</CheckedOut><CheckedOutBy>bob</CheckedOutBy></F>
-      <F><FileName>d</FileName><CheckIn>none</CheckIn><CheckedOut> no</CheckedOut><ErrorCode>DAL_E_CHECKED_OUT_TO_OTHER_USER</ErrorCode></F>
-    </Files></xml>)");
-    const auto checkIn = [&](const wchar_t* name) {
-        return vanto::mock::CheckInResult(Store().files, FileCheckInEntry{name, 5, L"holder"});
-    };
-    const auto checkedOut = [&](const wchar_t* name) {
-        return vanto::mock::CheckOutResult(Store().files, name, {true, true, false, L"me"});
-    };
-    EXPECT_EQ(static_cast<HRESULT>(0x8004B001), checkIn(L"A").errorCode);
-    EXPECT_EQ(GUserText(), checkIn(L"A").lockedBy); // the file's never-filled fifth text
-    EXPECT_EQ(0, checkIn(L"b").errorCode);          // names are exact
-    EXPECT_EQ(5, checkIn(L"c").errorCode);          // checked in: the item's own code
-    EXPECT_EQ(5, checkIn(L"d").errorCode);          // only "no" means no
-    EXPECT_EQ(GUserText(L"holder"), checkIn(L"x").lockedBy);
-    EXPECT_FALSE(checkedOut(L"C").isCheckedOut);
-    EXPECT_EQ(GUserText(L"bob"), checkedOut(L"C").checkedOutBy);
-    EXPECT_TRUE(checkedOut(L"d").isCheckedOut);
-}
-
 // Input files that are missing or broken leave the store empty or with what was taken over;
 // nothing is reported and nothing crashes.
-
-constexpr HRESULT ElementNotFound = static_cast<HRESULT>(0x80070490);
 
 std::string Nested(std::size_t levels, const std::string& open, const std::string& close,
                    const std::string& inner = "") {
@@ -271,139 +207,103 @@ std::string WithFile(const std::string& inside) {
     return "<xml><RootFolder>Z:\\R</RootFolder><Files><F>" + inside + "</F></Files></xml>";
 }
 
-class MockInputTest : public MockTest {
-protected:
-    // Reads `xml` as the input file in a fresh store; true when the store took nothing over.
-    bool ReadsAsEmpty(const std::string& xml) {
-        vanto::mock::ResetMockStateForTesting();
-        WriteInput(xml);
-        CapturingLogSink log;
-        FileCheckInList items;
-        const bool empty = files->CheckIn(&items) == ElementNotFound &&
-                           !files->IsValidCorvaneFile(GUserText(L"Z:\\R\\a.par")) &&
-                           Store().rootFolder.IsEmpty() && Store().userName.IsEmpty();
-        EXPECT_TRUE(log.records.empty());
-        return empty;
-    }
-};
-
-TEST_F(MockInputTest, MissingEmptyAndMalformedFilesGiveAnEmptyStore) {
-    RootFolderSet roots;
-    ASSERT_EQ(S_OK, session->GetRootFolders(&roots));
-    EXPECT_EQ(RootFolderSet{GUserText()}, roots);
-    // A file that appears later is not read.
-    WriteInput(WithFile("<FileName>Z:\\R\\a.par</FileName>"));
-    EXPECT_EQ(ElementNotFound, files->CheckOut(nullptr));
-
-    for (const std::string& xml :
-         {std::string(), std::string("\xEF\xBB\xBF"), std::string("not xml at all"),
-          std::string("<xml><RootFolder>Z:\\R</RootFolder>"), // never closed
-          std::string("<xml><RootFolder>Z:\\R</RootFolder></xml"),
-          std::string("<xml a=b><RootFolder>Z:\\R</RootFolder></xml>"),
-          std::string("<XML><RootFolder>Z:\\R</RootFolder></XML>"), // another case
-          std::string("<xml><RootFolder>Z:\\R&#1114112;</RootFolder></xml>"),
-          std::string("<xml><RootFolder>Z:\\R</RootFolder></xml><"),
-          std::string("<xml>") + '\0' + "<RootFolder>Z:\\R</RootFolder></xml>"}) {
-        SCOPED_TRACE(xml);
-        EXPECT_TRUE(ReadsAsEmpty(xml));
-    }
-}
-
-TEST_F(MockInputTest, UnknownAndOtherCaseElementsAreIgnoredAtEveryLevel) {
-    WriteInput(R"(<?xml version="1.0"?><!-- made by hand --><xml version="2">
-        <Unknown><RootFolder>Z:\Wrong</RootFolder></Unknown>
-        <rootfolder>Z:\lower</rootfolder>
-        <RootFolder>Z:\R<Extra>ignored</Extra></RootFolder>
-        <RootFolder>Z:\Second</RootFolder>
-        <files><F><FileName>Z:\R\lower.par</FileName></F></files>
-        <Files kind="parts">
-          <!-- a comment is no file -->
-          <Anything><FileName>Z:\R\a.par</FileName><Colour>red</Colour>
-            <checkedoutby>x</checkedoutby><CheckedOutBy>bob</CheckedOutBy></Anything>
-          <F><filename>Z:\R\b.par</filename></F>
-        </Files>
-      </xml>)");
-    EXPECT_EQ(GUserText(L"Z:\\R"), Store().rootFolder);
-    ASSERT_EQ(2u, Store().files.size());
-    EXPECT_EQ(GUserText(L"bob"), Store().files.at(L"Z:\\R\\a.par").checkedOutBy);
-    // An entry without a FileName element is kept under an empty name.
-    EXPECT_EQ(1u, Store().files.count(GUserText()));
-}
-
-TEST_F(MockInputTest, TheReadersLeniencyAndEntitiesStayHarmless) {
-    WriteInput(R"(<!DOCTYPE xml [ <!ENTITY a "&b;&b;&b;"> <!ENTITY b "lol"> ]>
-      <xml><RootFolder>Z:\R</Mismatched>
-        <OrbexUserName>&a;&amp;&#x41;&#0;hidden</OrbexUserName>
-        <Files>
-          <F><FileName>Z:\R\a.par&#0;.exe</FileName><CheckedOutBy>&#xD800;&lt;x&gt;</CheckedOutBy></F>
-          <F><FileName><![CDATA[Z:\R\<b>.par]]></FileName></F>
-        </Files></xml>)");
-    EXPECT_EQ(GUserText(L"Z:\\R"), Store().rootFolder);
-    // Unknown entities pass through as text; a NUL ends the text.
-    EXPECT_EQ(GUserText(L"&a;&A"), Store().userName);
-    ASSERT_EQ(2u, Store().files.size());
-    // A lone surrogate becomes replacement characters.
-    const std::wstring& holder = Store().files.at(L"Z:\\R\\a.par").checkedOutBy.wstr();
-    ASSERT_LE(4u, holder.size());
-    EXPECT_EQ(L'\xFFFD', holder.front());
-    EXPECT_EQ(L"<x>", holder.substr(holder.size() - 3));
-    EXPECT_EQ(1u, Store().files.count(L"Z:\\R\\<b>.par"));
-}
-
-TEST_F(MockInputTest, DeepNestingIsRefusedBeforeTheReaderRuns) {
-    const std::string deep = Nested(100000, "<n>", "</n>");
-    EXPECT_TRUE(ReadsAsEmpty(WithFile("<FileName>Z:\\R\\a.par</FileName>" + deep)));
-    EXPECT_TRUE(ReadsAsEmpty(WithFile(Nested(100000, "<n>", ""))));
-    // Within the limit the file is read as usual.
-    vanto::mock::ResetMockStateForTesting();
-    WriteInput(WithFile("<FileName>Z:\\R\\a.par</FileName>" + Nested(200, "<n>", "</n>")));
-    EXPECT_EQ(S_OK, files->CheckIn(nullptr));
-}
-
-TEST(InputNesting, CountsTheLevelsTheReaderOpens) {
-    EXPECT_EQ(0u, DeepestNesting(""));
-    EXPECT_EQ(256u, DeepestNesting(Nested(256, "<a>", "</a>")));
-    // Siblings, empty elements, attributes and mismatched closing tags as the reader sees them.
-    EXPECT_EQ(4u, DeepestNesting(Nested(3, "<a>", "</a>", Nested(1000, "<b/><c></c>", ""))));
-    EXPECT_EQ(6u, DeepestNesting(Nested(3, "<a x='>' y = \"<b>\">", "</zz >") +
-                                 Nested(6, "<?x?><a>", "</a>")));
-    // Closing tags hidden where the reader sees no markup do not lower the count, and a file
-    // that ends while elements are open has still been nested that deep.
-    for (const std::string& hidden :
-         {std::string("<!-- </a></a> -->"), std::string("<![CDATA[</a></a>]]>"),
-          std::string("<?pi </a></a> ?>"), std::string("<?></a></a>?>"),
-          std::string("<a t='</a></a>'/>"), std::string("<!DOCTYPE x [ <!ENTITY e '</a></a>'> ]>"),
-          std::string("<!x '</a'>")}) {
-        SCOPED_TRACE(hidden);
-        EXPECT_EQ(6u, DeepestNesting("<r><r><r>" + hidden + "<a><a><a>"));
-    }
-    // Quotes in a name are part of the name.
-    EXPECT_EQ(4u, DeepestNesting(Nested(4, "<a\">", "") + "\""));
-    // Where the reader stops with an error, so does the count.
-    EXPECT_EQ(1u, DeepestNesting("<a><!-- <b><c>"));
-    EXPECT_EQ(1u, DeepestNesting("<a><b c='><d><e>"));
-    EXPECT_EQ(1u, DeepestNesting("<a></a></a><b><c>"));
-    EXPECT_EQ(0u, DeepestNesting("x<a><b>"));
-    EXPECT_EQ(0u, DeepestNesting("< a><b>"));
-    EXPECT_EQ(2u, DeepestNesting(std::string("<a><b>\0<c><d>", 13)));
-}
-
-TEST_F(MockInputTest, AHundredThousandFilesAreRead) {
-    std::string xml = "<xml><RootFolder>Z:\\R</RootFolder><Files>";
+// Ten of them twice, each time with its own holder.
+std::string ManyFiles() {
+    std::string xml = "<xml><Files>";
     for (int i = 0; i < 100000; ++i) {
-        xml += "<F><FileName>Z:\\R\\f" + std::to_string(i % 99990) + ".par</FileName>";
-        if (i % 99990 == 5) {
-            xml += "<CheckedOutBy>u" + std::to_string(i) + "</CheckedOutBy>";
-        }
-        xml += "</F>";
+        xml += "<F><FileName>f" + std::to_string(i % 99990) + "</FileName><CheckedOutBy>u" +
+               std::to_string(i) + "</CheckedOutBy></F>";
     }
-    xml += "</Files></xml>";
-    WriteInput(xml);
-    FileStatusInformation status;
-    ASSERT_EQ(S_OK, files->GetStatusInformation(L"z:\\r\\F5.PAR", &status));
-    EXPECT_EQ(GUserText(L"u5"), status.checkedOutBy);
-    EXPECT_EQ(99990u, Store().files.size());
-    EXPECT_EQ(1u, Store().files.count(L"Z:\\R\\f99989.par"));
+    return xml + "</Files></xml>";
+}
+
+// What reading `xml` gives: how deep the reader would nest, then the store as
+// "root|user|files|holder of the probed file" ("-" when it is not known). A run of replacement
+// characters counts as one, however many the platform makes.
+std::wstring Outcome(const std::string& xml, const GUserText& probe) {
+    vanto::mock::MockStore store;
+    vanto::mock::ReadInput(xml, store);
+    const auto found = store.files.find(probe);
+    std::wstring text = std::to_wstring(vanto::mock::DeepestNesting(xml)) + L":" +
+                        store.rootFolder.wstr() + L"|" + store.userName.wstr() + L"|" +
+                        std::to_wstring(store.files.size()) + L"|" +
+                        (found == store.files.end() ? L"-" : found->second.checkedOutBy.wstr());
+    text.erase(std::unique(text.begin(), text.end(),
+                           [](wchar_t a, wchar_t b) { return a == L'\xFFFD' && b == a; }),
+               text.end());
+    return text;
+}
+
+const char* const Lenient =
+    "<!DOCTYPE xml [ <!ENTITY a \"&b;&b;&b;\"> <!ENTITY b \"lol\"> ]><xml>"
+    "<RootFolder>Z:\\R</Mismatched><OrbexUserName>&a;&amp;&#x41;&#0;hidden</OrbexUserName><Files>"
+    "<F><FileName>Z:\\R\\a.par&#0;.exe</FileName><CheckedOutBy>&#xD800;&lt;x&gt;</CheckedOutBy></F>"
+    "<F><FileName><![CDATA[Z:\\R\\<b>.par]]></FileName></F></Files></xml>";
+
+const char* const Unknowns =
+    "<?xml version='1.0'?><!-- by hand --><xml version='2'><Unknown><RootFolder>Z:\\Wrong"
+    "</RootFolder></Unknown><rootfolder>Z:\\lower</rootfolder><RootFolder>Z:\\R<Extra>x</Extra>"
+    "</RootFolder><RootFolder>Z:\\Second</RootFolder><files><F><FileName>Z:\\R\\l.par</FileName>"
+    "</F></files><Files kind='parts'><!-- no file --><Any><FileName>Z:\\R\\a.par</FileName>"
+    "<Colour>red</Colour><checkedoutby>x</checkedoutby><CheckedOutBy>bob</CheckedOutBy></Any>"
+    "<F><filename>Z:\\R\\b.par</filename></F></Files></xml>";
+
+// Every input file is read without a line or a crash, and gives its store; a file nested deeper
+// than the reader may go is refused before it runs.
+TEST(MockInput, EachInputFileGivesItsNestingAndStore) {
+    const std::string deep = Nested(100000, "<n>", "</n>");
+    const struct {
+        std::string xml;
+        std::wstring outcome;
+        const wchar_t* probe = L"";
+    } cases[] = {
+        {"", L"0:||0|-"},
+        {"not xml at all", L"0:||0|-"},
+        {"<xml><RootFolder>Z:\\R</RootFolder>", L"2:||0|-"},       // never closed
+        {"<XML><RootFolder>Z:\\R</RootFolder></XML>", L"2:||0|-"}, // another case
+        {"<xml><RootFolder>Z:\\R&#1114112;</RootFolder></xml>", L"2:||0|-"},
+        {std::string("<xml>") + '\0' + "<RootFolder>Z:\\R</RootFolder></xml>", L"1:||0|-"},
+        {WithFile("<FileName>Z:\\R\\a.par</FileName>" + deep), L"100003:||0|-"},
+        {WithFile(Nested(100000, "<n>", "")), L"100003:||0|-"},
+        {WithFile("<FileName>a</FileName>" + Nested(200, "<n>", "</n>")), L"203:Z:\\R||1|", L"A"},
+        {Nested(256, "<a>", "</a>"), L"256:||0|-"},
+        // Siblings, empty elements, attributes and mismatched closing tags as the reader sees
+        // them.
+        {Nested(3, "<a>", "</a>", Nested(1000, "<b/><c></c>", "")), L"4:||0|-"},
+        {Nested(3, "<a x='>' y = \"<b>\">", "</zz >") + Nested(6, "<?x?><a>", "</a>"), L"6:||0|-"},
+        // Closing tags hidden where the reader sees no markup do not lower the count, and a file
+        // that ends while elements are open has still been nested that deep.
+        {"<r><r><r><!-- </a></a> --><a><a><a>", L"6:||0|-"},
+        {"<r><r><r><![CDATA[</a></a>]]><a><a><a>", L"6:||0|-"},
+        {"<r><r><r><?pi </a></a> ?><a><a><a>", L"6:||0|-"},
+        {"<r><r><r><a t='</a></a>'/><a><a><a>", L"6:||0|-"},
+        {"<r><r><r><!DOCTYPE x [ <!ENTITY e '</a></a>'> ]><a><a><a>", L"6:||0|-"},
+        {"<r><r><r><!x '</a'><a><a><a>", L"6:||0|-"},
+        {Nested(4, "<a\">", "") + "\"", L"4:||0|-"}, // quotes in a name are part of it
+        // Where the reader stops with an error, so does the count.
+        {"<a><!-- <b><c>", L"1:||0|-"},
+        {"<a><b c='><d><e>", L"1:||0|-"},
+        {"<a></a></a><b><c>", L"1:||0|-"},
+        {"x<a><b>", L"0:||0|-"},
+        {"< a><b>", L"0:||0|-"},
+        {std::string("<a><b>\0<c><d>", 13), L"2:||0|-"},
+        // Unknown and other-case elements are ignored at every level; an entry without a
+        // FileName element is kept under an empty name.
+        {Unknowns, L"4:Z:\\R||2|bob", L"Z:\\R\\a.par"},
+        // Unknown entities pass through as text, a NUL ends the text, a lone surrogate becomes
+        // replacement characters, CDATA is text.
+        {Lenient, L"4:Z:\\R|&a;&A|2|\xFFFD<x>", L"Z:\\R\\a.par"},
+        {Lenient, L"4:Z:\\R|&a;&A|2|", L"Z:\\R\\<b>.par"},
+        // The first of two entries differing in case wins.
+        {Sample, L"4:Z:\\PDM\\VANTO\\Root|Alice|2|alice", L"z:\\pdm\\vanto\\root\\BRACKET.par"},
+        {ManyFiles(), L"4:||99990|u5", L"F5"},
+    };
+    CapturingLogSink log;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.xml.substr(0, 200));
+        EXPECT_EQ(c.outcome, Outcome(c.xml, c.probe));
+    }
+    EXPECT_TRUE(log.records.empty());
 }
 
 } // namespace
