@@ -265,22 +265,19 @@ std::vector<Row> Rows() {
                                  "\xC3\xA8"
                                  R"(cket","ComparisionOp":0}]}})";
     return {
-        Call("IsValidCorvaneFile(list)",
-             {{"ISPATHMONITORED",
-               R"({"PathToIsMonitored":[{"Key":"/w/\u00e9.par","Value":true}]})"}},
-             [](F& f, A& a) {
-                 return With(f.IsValidCorvaneFile({L"/w/\u00e9.par", L"/w/b.par"}, &a.monitored),
-                             a.monitored);
-             },
-             "S_OK 1",
-             {Request("ISPATHMONITORED", "\"Paths\":[\"/w/\xC3\xA9.par\",\"/w/b.par\"]}")}),
-        Call("IsValidCorvaneFile(list) failed",
-             {{"ISPATHMONITORED", WithErrors(R"({"ErrorCode":10})",
-                                             R"("PathToIsMonitored":[{"Key":"c","Value":true}])")}},
-             [](F& f, A& a) {
-                 return With(f.IsValidCorvaneFile({L"c"}, &a.monitored), a.monitored);
-             },
-             "E_FAIL 0", {Request("ISPATHMONITORED", R"("Paths":["c"]})")}),
+        Calls("IsValidCorvaneFile(list)",
+              [](F& f, A& a) {
+                  return With(f.IsValidCorvaneFile({L"/w/\u00e9.par", L"/w/b.par"}, &a.monitored),
+                              a.monitored);
+              },
+              {Request("ISPATHMONITORED", "\"Paths\":[\"/w/\xC3\xA9.par\",\"/w/b.par\"]}")},
+              {When({{"ISPATHMONITORED",
+                      R"({"PathToIsMonitored":[{"Key":"/w/\u00e9.par","Value":true}]})"}},
+                    "S_OK 1"),
+               When({{"ISPATHMONITORED",
+                      WithErrors(R"({"ErrorCode":10})",
+                                 R"("PathToIsMonitored":[{"Key":"c","Value":true}])")}},
+                    "E_FAIL 0")}),
         Call("IsValidCorvaneFile(path) failed",
              {{"ISPATHMONITORED", WithErrors(R"({"ErrorCode":1})",
                                              R"("PathToIsMonitored":[{"Key":"x","Value":true}])")}},
