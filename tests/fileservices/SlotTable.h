@@ -63,14 +63,9 @@ inline void Granted(Rig&) {
 }
 
 inline std::string Show(HRESULT result) {
-    switch (static_cast<std::uint32_t>(result)) {
-    case 0:
-        return "S_OK";
-    case 0x80004005U:
-        return "E_FAIL";
-    default:
-        return std::to_string(static_cast<std::uint32_t>(result));
-    }
+    return result == S_OK     ? "S_OK"
+           : result == E_FAIL ? "E_FAIL"
+                              : std::to_string(static_cast<std::uint32_t>(result));
 }
 
 inline std::string Show(bool result) {
