@@ -16,26 +16,19 @@ using Failure = FakeConnector::Failure;
 
 constexpr const char* Message = "connector gone";
 
-std::wstring TextOf(Failure failure) {
-    return failure == Failure::Foreign ? L"unknown exception" : L"connector gone";
-}
-
 std::wstring ExpectedLine(Says says, Failure failure) {
-    switch (says) {
-    case Says::RegisterLine:
-        if (failure == Failure::Communication) {
-            return L"Exception occurred in API : connector gone ";
-        }
-        break;
-    case Says::DeregisterLine:
-        return L"Failure to deregister from Corvane - exception from call : " + TextOf(failure);
-    case Says::LaunchLine:
-        return L"Corvane failed to start with exception: " + TextOf(failure);
-    case Says::ExecuteLine:
-        break;
+    const std::wstring text =
+        failure == Failure::Foreign ? L"unknown exception" : L"connector gone";
+    if (says == Says::RegisterLine && failure == Failure::Communication) {
+        return L"Exception occurred in API : connector gone ";
     }
-    return L"Corvane session is not a valid session - exception from Execute call : " +
-           TextOf(failure);
+    if (says == Says::DeregisterLine) {
+        return L"Failure to deregister from Corvane - exception from call : " + text;
+    }
+    if (says == Says::LaunchLine) {
+        return L"Corvane failed to start with exception: " + text;
+    }
+    return L"Corvane session is not a valid session - exception from Execute call : " + text;
 }
 
 // Walks the methods; returns the number of call sites covered.

@@ -32,15 +32,6 @@ std::wstring Show(const FileLockStatusMap& files) {
     return text;
 }
 
-std::wstring Show(const FileCheckInList& files) {
-    std::wstring text;
-    for (const FileCheckInEntry& e : files) {
-        text += e.fileName.wstr() + L"=" + std::to_wstring(e.errorCode) + L":" + e.lockedBy.wstr() +
-                L" ";
-    }
-    return text;
-}
-
 // The texts, each followed by a comma, and a space after them all.
 template <class... Texts> std::wstring Fields(const Texts&... texts) {
     return ((texts.wstr() + L",") + ...) + L" ";
@@ -93,7 +84,6 @@ TEST(AnswerMapping, MarkLocksMarksTheFilesTheLockInfosNameByTheirHolder) {
     };
     const FileLockStatusMap before{{L"/w/a.par", {}}, {L"/w/b.par", {true, false, false, L"bob"}}};
     const std::vector<Row> rows = {
-        {"", L"/w/a.par=--: /w/b.par=X-:bob "},
         // The holder's name is compared with the user's ignoring case; so are the file names.
         {R"({"DesignIdentifier":"/W/A.PAR","LockedBy":"ANN"})",
          L"/w/a.par=XU:ANN /w/b.par=X-:bob "},
@@ -127,13 +117,10 @@ TEST(AnswerMapping, ClearRefusedLocksClearsTheFilesOfEveryCodeButObjectLocked) {
     const FileLockStatusMap before{{L"/w/a.par", {true, true, false, L"ann"}},
                                    {L"/w/b.par", {true, false, false, L"bob"}}};
     const std::vector<Row> rows = {
-        {"", false, L"/w/a.par=XU:ann /w/b.par=X-:bob "},
         {R"({"ErrorCode":13,"Ids":["/w/a.par"]})", false, L"/w/a.par=XU:ann /w/b.par=X-:bob "},
         // The holder's name stays; ids match ignoring case and unknown ones are passed over.
         {R"({"ErrorCode":12,"Ids":["/W/A.PAR","/w/none.par"]})", true,
          L"/w/a.par=--:ann /w/b.par=X-:bob "},
-        {R"({"ErrorCode":13,"Ids":["/w/a.par"]},{"ErrorCode":1,"Ids":[]})", true,
-         L"/w/a.par=XU:ann /w/b.par=X-:bob "},
         {R"({"ErrorCode":1,"Ids":["/w/b.par"]},{"ErrorCode":5,"Ids":["/w/a.par"]})", true,
          L"/w/a.par=--:ann /w/b.par=--:bob "},
     };
@@ -148,38 +135,6 @@ TEST(AnswerMapping, ClearRefusedLocksClearsTheFilesOfEveryCodeButObjectLocked) {
     }
 }
 
-TEST(AnswerMapping, ApplyUnlockResultsUpdatesTheFirstEntryOfEachSentName) {
-    struct Row {
-        const char* status;
-        std::wstring after;
-    };
-    const FileCheckInList before{
-        {L"/w/a.par", 0, L""}, {L"/w/b.par", 0, L""}, {L"/w/a.par", 0, L""}};
-    const std::vector<Row> rows = {
-        {"", L"/w/a.par=0: /w/b.par=0: /w/a.par=0: "},
-        // Matching is exact; the first entry of a name takes every answer for it, the last winning.
-        {R"({"DesignIdentifier":"/w/a.par","LockedBy":"eve","ErrorCode":12},)"
-         R"({"DesignIdentifier":"/W/B.PAR","ErrorCode":7},)"
-         R"({"DesignIdentifier":"/w/b.par","ErrorCode":5},)"
-         R"({"DesignIdentifier":"/w/a.par","LockedBy":"b\u00f6b","ErrorCode":9})",
-         L"/w/a.par=9:b\u00f6b /w/b.par=5: /w/a.par=0: "},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.status);
-        FileCheckInList files = before;
-        // The names come from the request made from the list.
-        CorvaneUnLockDesignRevisionsInput sent;
-        for (const char* name : {"/w/a.par", "/w/b.par", "/w/a.par"}) {
-            sent.DesignIdentifiers.emplace_back(new Corvane::DataTypes::CorvaneDesignIdentifier());
-            sent.DesignIdentifiers.back()->Value = name;
-        }
-        ApplyUnlockResults(Read<CorvaneUnLockDesignRevisionsOutput>(std::string(R"({"Status":[)") +
-                                                                    row.status + "]}"),
-                           files, sent);
-        EXPECT_EQ(row.after, Show(files));
-    }
-}
-
 // A file's properties: one group per (object type, name, values) triple.
 FilePropertyEntry FileWith(std::vector<std::tuple<int, const wchar_t*, PathList>> properties) {
     FilePropertyEntry file{L"/w/a.par", {}};
@@ -189,72 +144,52 @@ FilePropertyEntry FileWith(std::vector<std::tuple<int, const wchar_t*, PathList>
     return file;
 }
 
-TEST(AnswerMapping, ApplyLockedByTakesTheFirstValueOfTheLockGroup) {
+// The lock group (1) gives the holder, the document group (2) the stamp and the document id.
+TEST(AnswerMapping, ApplyLockedByAndDocumentStampTakeTheFirstValueOfTheirGroup) {
     struct Row {
         FilePropertyEntry file;
-        std::wstring after; // from a file checked out by bob
+        std::wstring after; // from a file checked out by bob, stamp "old", document "d-0"
     };
     const std::vector<Row> rows = {
-        {FileWith({}), L"/w/a.par=X-:bob "},
-        {FileWith({{1, L"lockedby", {L"Ann", L"x"}}}), L"/w/a.par=XU:Ann "},
-        {FileWith({{1, L"LockedBy", {L"eve"}}}), L"/w/a.par=X-:eve "},
-        // An empty holder frees the file but keeps the old name.
-        {FileWith({{1, L"LockedBy", {L""}}}), L"/w/a.par=--:bob "},
+        {FileWith({{1, L"lockedby", {L"Ann", L"x"}},
+                   {2, L"CONSISTENCYSTAMP", {L"v7", L"v8"}},
+                   {2, L"documentid", {L"d-1"}}}),
+         L"/w/a.par=XU:Ann v7,d-1"},
+        {FileWith({{1, L"LockedBy", {L"eve"}}, {1, L"consistencyStamp", {L"v-lock"}}}),
+         L"/w/a.par=X-:eve old,d-0"},
+        // An empty holder frees the file but keeps the old name; an empty stamp is overwritten.
+        {FileWith({{1, L"LockedBy", {L""}},
+                   {2, L"consistencyStamp", {L""}},
+                   {2, L"consistencyStamp", {L"v9"}}}),
+         L"/w/a.par=--:bob v9,d-0"},
         // Another group, another name or no values change nothing.
-        {FileWith({{2, L"LockedBy", {L""}}, {1, L"LockedAt", {L""}}, {1, L"LockedBy", {}}}),
-         L"/w/a.par=X-:bob "},
-        {FileWith({{1, L"LockedBy", {L""}}, {1, L"LockedBy", {L"ann"}}}), L"/w/a.par=XU:ann "},
+        {FileWith({{2, L"LockedBy", {L""}},
+                   {1, L"LockedAt", {L""}},
+                   {1, L"LockedBy", {}},
+                   {2, L"DocumentId", {}}}),
+         L"/w/a.par=X-:bob old,d-0"},
+        {FileWith({{1, L"LockedBy", {L""}}, {1, L"LockedBy", {L"ann"}}}),
+         L"/w/a.par=XU:ann old,d-0"},
     };
     for (const Row& row : rows) {
         FileLockStatusMap files{{L"/w/a.par", {true, false, false, L"bob"}}};
         ApplyLockedBy(row.file, files.begin()->second, GUserText(L"ann"));
-        EXPECT_EQ(row.after, Show(files));
-    }
-}
-
-TEST(AnswerMapping, ApplyDocumentStampTakesTheFirstValuesOfTheDocumentGroup) {
-    struct Row {
-        FilePropertyEntry file;
-        std::wstring stamp, documentId; // from "old", "d-0"
-    };
-    const std::vector<Row> rows = {
-        {FileWith({}), L"old", L"d-0"},
-        {FileWith({{2, L"CONSISTENCYSTAMP", {L"v7", L"v8"}}, {2, L"documentid", {L"d-1"}}}), L"v7",
-         L"d-1"},
-        {FileWith({{1, L"consistencyStamp", {L"v-lock"}}, {2, L"DocumentId", {}}}), L"old", L"d-0"},
-        {FileWith({{2, L"consistencyStamp", {L""}}, {2, L"consistencyStamp", {L"v9"}}}), L"v9",
-         L"d-0"},
-    };
-    for (const Row& row : rows) {
         DocumentStamp stamp{L"old", L"d-0"};
         ApplyDocumentStamp(row.file, stamp);
-        EXPECT_EQ(row.stamp, stamp.consistencyStamp.wstr());
-        EXPECT_EQ(row.documentId, stamp.documentId.wstr());
+        EXPECT_EQ(row.after,
+                  Show(files) + stamp.consistencyStamp.wstr() + L"," + stamp.documentId.wstr());
     }
 }
 
 TEST(AnswerMapping, MonitoredPathsKeepTheFirstFlagOfEachPath) {
-    struct Row {
-        const char* entries;
-        PathMonitoredMap after; // from {b.par: false}
-        bool first;
-    };
-    const std::vector<Row> rows = {
-        {"", {{L"/w/b.par", false}}, false},
-        {R"({"Key":"/w/\u00e9.par","Value":true},{"Key":"/w/b.par","Value":true},)"
-         R"({"Key":"/w/\u00e9.par","Value":false})",
-         {{L"/w/b.par", false}, {L"/w/\u00e9.par", true}},
-         true},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.entries);
-        const auto output = Read<CorvaneIsPathMonitoredOutput>(
-            std::string(R"({"PathToIsMonitored":[)") + row.entries + "]}");
-        PathMonitoredMap monitored{{L"/w/b.par", false}};
-        AddMonitored(output, monitored);
-        EXPECT_EQ(row.after, monitored);
-        EXPECT_EQ(row.first, FirstMonitored(output));
-    }
+    const auto output = Read<CorvaneIsPathMonitoredOutput>(
+        R"({"PathToIsMonitored":[{"Key":"/w/\u00e9.par","Value":true},)"
+        R"({"Key":"/w/b.par","Value":true},{"Key":"/w/\u00e9.par","Value":false}]})");
+    PathMonitoredMap monitored{{L"/w/b.par", false}};
+    AddMonitored(output, monitored);
+    EXPECT_EQ((PathMonitoredMap{{L"/w/b.par", false}, {L"/w/\u00e9.par", true}}), monitored);
+    EXPECT_TRUE(FirstMonitored(output));
+    EXPECT_FALSE(FirstMonitored(Read<CorvaneIsPathMonitoredOutput>(R"({"PathToIsMonitored":[]})")));
 }
 
 TEST(AnswerMapping, StoreFilePathsGivesEachHeldIdentifierItsLastPath) {
@@ -263,7 +198,6 @@ TEST(AnswerMapping, StoreFilePathsGivesEachHeldIdentifierItsLastPath) {
         FileUidPathMap after; // from {id-1: "", id-3: old}
     };
     const std::vector<Row> rows = {
-        {"", {{L"id-1", L""}, {L"id-3", L"old"}}},
         // Exact identifiers; no paths leave the old one; identifiers not held are passed over.
         {R"({"Key":"id-1","Values":["/w/a.par","/w/\u00e9.par"]},{"Key":"ID-3","Values":["/w/b"]},)"
          R"({"Key":"id-3","Values":[]},{"Key":"id-9","Values":["/w/z.par"]})",
@@ -281,32 +215,23 @@ TEST(AnswerMapping, StoreFilePathsGivesEachHeldIdentifierItsLastPath) {
     }
 }
 
+// Per entry: path, component, component revision, document, their URNs, space, container. A
+// later file object overwrites every field, empty ones included; a new answer entry starts from
+// an empty context.
 TEST(AnswerMapping, AppendContextsAddsOneEntryPerPathWithItsWholeContext) {
-    struct Row {
-        const char* entries;
-        std::wstring
-            added; // path, component, component revision, document, their URNs, space, container
-    };
-    const std::vector<Row> rows = {
-        {"", L""},
-        // A later file object overwrites every field, empty ones included; a new answer entry
-        // starts from an empty context.
-        {R"({"ContextInformation":{"CollaborationSpaceId":"cs","ContainerId":"p-1"},)"
-         R"("FileInformation":[{"FilePaths":[],"ComponentId":"stale","DocumentUrn":"urn:stale"},)"
-         R"({"FilePaths":["/w/a.par","/w/a2.par"],"ComponentId":"c","ComponentRevisionId":"cr",)"
-         R"("DocumentId":"d","ComponentUrn":"urn:c","ComponentRevisionUrn":"urn:cr"}]},)"
-         R"({"FileInformation":[{"FilePaths":["/w/b.par"],"DocumentId":"e"}]})",
-         L"/w/a.par,c,cr,d,urn:c,urn:cr,,cs,p-1, /w/a2.par,c,cr,d,urn:c,urn:cr,,cs,p-1, "
-         L"/w/b.par,,,e,,,,,, "},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.entries);
-        FileContextList contexts{{L"/w/earlier.par", {}}};
-        AppendContexts(Read<CorvaneGetFileContextInformationOutput>(
-                           std::string(R"({"FileContextInformation":[)") + row.entries + "]}"),
-                       contexts);
-        EXPECT_EQ(L"/w/earlier.par,,,,,,,,, " + row.added, Show(contexts));
-    }
+    FileContextList contexts{{L"/w/earlier.par", {}}};
+    AppendContexts(
+        Read<CorvaneGetFileContextInformationOutput>(
+            R"({"FileContextInformation":[{"ContextInformation":{"CollaborationSpaceId":"cs",)"
+            R"("ContainerId":"p-1"},"FileInformation":[{"FilePaths":[],"ComponentId":"stale",)"
+            R"("DocumentUrn":"urn:stale"},{"FilePaths":["/w/a.par","/w/a2.par"],"ComponentId":"c",)"
+            R"("ComponentRevisionId":"cr","DocumentId":"d","ComponentUrn":"urn:c",)"
+            R"("ComponentRevisionUrn":"urn:cr"}]},)"
+            R"({"FileInformation":[{"FilePaths":["/w/b.par"],"DocumentId":"e"}]}]})"),
+        contexts);
+    EXPECT_EQ(L"/w/earlier.par,,,,,,,,, /w/a.par,c,cr,d,urn:c,urn:cr,,cs,p-1, "
+              L"/w/a2.par,c,cr,d,urn:c,urn:cr,,cs,p-1, /w/b.par,,,e,,,,,, ",
+              Show(contexts));
 }
 
 TEST(AnswerMapping, NewerVersionFoundComparesTheNamedDocumentsStamp) {
@@ -319,14 +244,12 @@ TEST(AnswerMapping, NewerVersionFoundComparesTheNamedDocumentsStamp) {
                                   {L"/w/b.par", {L"stamp-8", L"doc-1"}},
                                   {L"/w/c.par", {L"s-3", L""}}};
     const std::vector<Row> rows = {
-        {"", false},
         {R"({"Key":"doc-1","Value":"stamp-8"})", true},
         {R"({"Key":"Doc-1","Value":"STAMP-7"})", false},
         // The last pair that names a document decides; pairs naming none change nothing.
         {R"({"Key":"DOC-1","Value":"stamp-8"},{"Key":"doc-1","Value":"stamp-7"})", false},
         // An empty identifier names the document without an id.
         {R"({"Key":"","Value":"s-4"})", true},
-        {R"({"Key":"","Value":"s-3"})", false},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.pairs);
@@ -348,39 +271,28 @@ std::string Relation(const char* documentKey, const std::string& paths, const st
 }
 
 TEST(AnswerMapping, AddChildRelationsKeysEachChildByItsFirstCadPath) {
-    struct Row {
-        std::vector<std::string> children; // of the first parent
-        RelationMap after;                 // from {held.par: urn:held}
-    };
     const auto child = [](const std::string& paths, const std::string& urn) {
         return Relation("ChildDocumentInfo", paths, urn);
     };
-    const std::vector<Row> rows = {
-        {{}, {{L"/w/held.par", L"urn:held"}}},
-        // A child without a CAD path takes the key before it (empty at first); a key already
-        // present keeps its value.
-        {{child(R"("/w/readme.txt")", "urn:r"),
-          child(R"("/w/a.txt","/w/a.asm","/w/a.par")", "urn:1"), child(R"("/w/B.PAR")", "urn:2"),
-          child("", "urn:3"), child(R"("/w/d.Psm")", "urn:5"),
-          child(R"("/w/held.par","/w/e.pwd")", "urn:6"), child(R"("/w/e.pwd")", "urn:7")},
-         {{L"", L"urn:r"},
-          {L"/w/a.asm", L"urn:1"},
-          {L"/w/B.PAR", L"urn:2"},
-          {L"/w/d.Psm", L"urn:5"},
-          {L"/w/held.par", L"urn:held"},
-          {L"/w/e.pwd", L"urn:7"}}},
-    };
-    for (const Row& row : rows) {
-        std::string answer = R"({"ParentChildRelationInfo":[{"ChildRelationInfos":[)";
-        for (const std::string& c : row.children) {
-            answer += (&c != row.children.data() ? "," : "") + c;
-        }
-        // Only the first parent counts.
-        answer += R"(]},{"ChildRelationInfos":[)" + child(R"("/w/g.par")", "urn:g") + "]}]}";
-        RelationMap children{{L"/w/held.par", L"urn:held"}};
-        AddChildRelations(Read<CorvaneGetChildrenOutput>(answer), children);
-        EXPECT_EQ(row.after, children);
-    }
+    // A child without a CAD path takes the key before it (empty at first); a key already present
+    // keeps its value. Only the first parent counts.
+    const std::string answer = R"({"ParentChildRelationInfo":[{"ChildRelationInfos":[)" +
+                               child(R"("/w/readme.txt")", "urn:r") + "," +
+                               child(R"("/w/a.txt","/w/a.asm","/w/a.par")", "urn:1") + "," +
+                               child(R"("/w/B.PAR")", "urn:2") + "," + child("", "urn:3") + "," +
+                               child(R"("/w/d.Psm")", "urn:5") + "," +
+                               child(R"("/w/held.par","/w/e.pwd")", "urn:6") + "," +
+                               child(R"("/w/e.pwd")", "urn:7") + R"(]},{"ChildRelationInfos":[)" +
+                               child(R"("/w/g.par")", "urn:g") + "]}]}";
+    RelationMap children{{L"/w/held.par", L"urn:held"}};
+    AddChildRelations(Read<CorvaneGetChildrenOutput>(answer), children);
+    EXPECT_EQ((RelationMap{{L"", L"urn:r"},
+                           {L"/w/a.asm", L"urn:1"},
+                           {L"/w/B.PAR", L"urn:2"},
+                           {L"/w/d.Psm", L"urn:5"},
+                           {L"/w/held.par", L"urn:held"},
+                           {L"/w/e.pwd", L"urn:7"}}),
+              children);
 }
 
 TEST(AnswerMapping, AddWhereUsedRelationsKeysEachRelationByItsLastPath) {
@@ -402,19 +314,11 @@ TEST(AnswerMapping, AddWhereUsedRelationsKeysEachRelationByItsLastPath) {
 }
 
 TEST(AnswerMapping, RelationUrnsOfListsTheFoundChildrenFirstThenEmptyTexts) {
-    struct Row {
-        PathList childPaths;
-        std::vector<std::string> urns;
-    };
     const RelationMap children{{L"/w/a.par", L"urn:a"}, {L"/w/b.par", L"urn:\u00e9"}};
-    const std::vector<Row> rows = {
-        {{}, {}},
-        {{L"/w/x.par", L"/w/b.par", L"/w/A.PAR", L"/w/a.par"}, {"urn:\xC3\xA9", "urn:a", "", ""}},
-    };
-    for (const Row& row : rows) {
-        const auto urns = RelationUrnsOf(row.childPaths, children);
-        EXPECT_EQ(row.urns, std::vector<std::string>(urns.begin(), urns.end()));
-    }
+    const auto urns =
+        RelationUrnsOf({L"/w/x.par", L"/w/b.par", L"/w/A.PAR", L"/w/a.par"}, children);
+    EXPECT_EQ((std::vector<std::string>{"urn:\xC3\xA9", "urn:a", "", ""}),
+              std::vector<std::string>(urns.begin(), urns.end()));
 }
 
 TEST(AnswerMapping, ContainersPermissionsAndNumbersAreAddedToWhatTheCallerHas) {

@@ -59,20 +59,38 @@ std::string WithErrors(const std::string& errors, const std::string& rest = "") 
     return R"({"Errors":[)" + errors + "]" + (rest.empty() ? "" : ",") + rest + "}";
 }
 
-struct Row {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> answers; // command, answer
-    std::function<std::string(F&, A&)> call;
+using Answers = std::vector<std::pair<std::string, std::string>>; // command, answer
+
+// One set of answers and what the call makes of it.
+struct Case {
+    Answers answers;
     std::string outcome;
-    Texts requests = {};
     Lines lines = {};
 };
 
-Row Call(std::string name, std::vector<std::pair<std::string, std::string>> answers,
-         std::function<std::string(F&, A&)> call, std::string outcome, Texts requests = {},
-         Lines lines = {}) {
-    return {std::move(name),    std::move(answers),  std::move(call),
-            std::move(outcome), std::move(requests), std::move(lines)};
+// A call and the requests it sends, with each set of answers it is run against.
+struct Row {
+    std::string name;
+    std::function<std::string(F&, A&)> call;
+    Texts requests;
+    std::vector<Case> cases;
+};
+
+Case When(Answers answers, std::string outcome, Lines lines = {}) {
+    return {std::move(answers), std::move(outcome), std::move(lines)};
+}
+
+Row Calls(std::string name, std::function<std::string(F&, A&)> call, Texts requests,
+          std::vector<Case> cases) {
+    return {std::move(name), std::move(call), std::move(requests), std::move(cases)};
+}
+
+Row Call(std::string name, Answers answers, std::function<std::string(F&, A&)> call,
+         std::string outcome, Texts requests = {}, Lines lines = {}) {
+    return {std::move(name),
+            std::move(call),
+            std::move(requests),
+            {{std::move(answers), std::move(outcome), std::move(lines)}}};
 }
 
 const std::string Children =
@@ -122,7 +140,13 @@ std::vector<Row> CheckOutRows() {
                                                  {2, L"File Name : /w/b.par" + Skipped + L"bob"},
                                                  {2, L"File Name : /w/mine.psm" + Skipped + L"ann"},
                                                  {2, L"File Name : /w/\u00e9.par"}});
-    // Locked by somebody else: the call still succeeds; any other code fails it.
+    const auto lockLines = [&](const std::string& answer, bool failed) {
+        Lines tail{{2, L"File Checkout successful."}};
+        if (failed) {
+            tail.push_back({0, L"Error while checkout."});
+        }
+        return Then(checkOutLines, Then(Exchange(L"LockDesignRevisions", lock, answer), tail));
+    };
     const std::string otherLocked = WithErrors(R"({"ErrorCode":13,"Ids":["/w/c.par"]})",
                                                R"("Status":[{"DesignIdentifier":"/w/A.asm"}])");
     const std::string refused = WithErrors(R"({"ErrorCode":13,"Ids":[]},{"ErrorCode":12,"Ids":[]})",
@@ -131,19 +155,26 @@ std::vector<Row> CheckOutRows() {
         "UNLOCKDESIGNREVISIONS", R"("DesignIdentifiers":[{"Value":"/w/a.par","IdentifierType":0},)"
                                  R"({"Value":"/w/b.par","IdentifierType":0},)"
                                  R"({"Value":"/w/a.par","IdentifierType":0}]})");
-    const std::string unlocked = R"({"Status":[{"DesignIdentifier":"/w/b.par","ErrorCode":5},)"
-                                 R"({"DesignIdentifier":"/w/a.par","LockedBy":"b\u00f6b",)"
-                                 R"("ErrorCode":9}]})";
+    // Names match exactly; the first entry of a name takes every answer for it, the last winning.
+    const std::string unlocked =
+        R"({"Status":[{"DesignIdentifier":"/w/a.par","LockedBy":"eve","ErrorCode":12},)"
+        R"({"DesignIdentifier":"/W/B.PAR","ErrorCode":7},{"DesignIdentifier":"/w/b.par",)"
+        R"("ErrorCode":5},{"DesignIdentifier":"/w/a.par","LockedBy":"b\u00f6b","ErrorCode":9}]})";
     const std::string failedUnlock =
         WithErrors(R"({"ErrorCode":12},{"ErrorCode":3})", unlocked.substr(1, unlocked.size() - 2));
     const auto checkIn = [](F& f, A& a) {
         a.checkIns = {{L"/w/a.par", 0, L""}, {L"/w/b.par", 0, L""}, {L"/w/a.par", 0, L""}};
         const HRESULT result = f.CheckIn(&a.checkIns);
         return Show(result) + " " + std::to_string(a.checkIns[0].errorCode) +
-               a.checkIns[0].lockedBy.Narrow() + std::to_string(a.checkIns[2].errorCode);
+               a.checkIns[0].lockedBy.Narrow() + std::to_string(a.checkIns[1].errorCode) +
+               std::to_string(a.checkIns[2].errorCode);
     };
-    const Lines checkInLines{
-        {2, L"File Name : /w/a.par"}, {2, L"File Name : /w/b.par"}, {2, L"File Name : /w/a.par"}};
+    const auto unlockLines = [&](const std::string& answer, const wchar_t* last, int severity) {
+        return Then({{2, L"File Name : /w/a.par"},
+                     {2, L"File Name : /w/b.par"},
+                     {2, L"File Name : /w/a.par"}},
+                    Then(Exchange(L"UnLockDesignRevisions", unlock, answer), {{severity, last}}));
+    };
     const std::string properties =
         Request("GETPROPERTIES", R"("FilePathToObjectTypesArray":[{"Key":"/w/a.par",)"
                                  R"("ObjectTypeList":[0,2,1]},{"Key":"/w/b.par",)"
@@ -160,20 +191,12 @@ std::vector<Row> CheckOutRows() {
         return With(result, a.locks) + Show(a.locks.at(L"/w/a.par").isCheckedOutByCurrentUser);
     };
     return {
-        Call("CheckOut", {User, {"LOCKDESIGNREVISIONS", locked}}, checkOut, "S_OK ANN",
-             {SessionInfo, lock},
-             Then(checkOutLines, Then(Exchange(L"LockDesignRevisions", lock, locked),
-                                      {{2, L"File Checkout successful."}}))),
-        Call("CheckOut locked by another", {User, {"LOCKDESIGNREVISIONS", otherLocked}}, checkOut,
-             "S_OK ", {SessionInfo, lock},
-             Then(checkOutLines,
-                  Then(Exchange(L"LockDesignRevisions", lock, otherLocked),
-                       {{2, L"File Checkout successful."}, {0, L"Error while checkout."}}))),
-        Call("CheckOut refused", {User, {"LOCKDESIGNREVISIONS", refused}}, checkOut, "E_FAIL ",
-             {SessionInfo, lock},
-             Then(checkOutLines,
-                  Then(Exchange(L"LockDesignRevisions", lock, refused),
-                       {{2, L"File Checkout successful."}, {0, L"Error while checkout."}}))),
+        // Locked by somebody else: the call still succeeds; any other code fails it.
+        Calls(
+            "CheckOut", checkOut, {SessionInfo, lock},
+            {{{User, {"LOCKDESIGNREVISIONS", locked}}, "S_OK ANN", lockLines(locked, false)},
+             {{User, {"LOCKDESIGNREVISIONS", otherLocked}}, "S_OK ", lockLines(otherLocked, true)},
+             {{User, {"LOCKDESIGNREVISIONS", refused}}, "E_FAIL ", lockLines(refused, true)}}),
         // No answer came, so no success line either.
         Call(
             "CheckOut with nothing to lock", {User},
@@ -184,23 +207,19 @@ std::vector<Row> CheckOutRows() {
             },
             "S_OK bob", {SessionInfo},
             Then(UserLines, {{2, L"File Name : /w/a.par" + Skipped + L"bob"}})),
-        Call("CheckIn", {{"UNLOCKDESIGNREVISIONS", unlocked}}, checkIn,
-             "S_OK 9b\xC3\xB6"
-             "b0",
-             {unlock},
-             Then(checkInLines, Then(Exchange(L"UnLockDesignRevisions", unlock, unlocked),
-                                     {{2, L"Check-in successful. No errors found."}}))),
-        // Without LogErrors lines.
-        Call("CheckIn failed", {{"UNLOCKDESIGNREVISIONS", failedUnlock}}, checkIn, "E_FAIL 00",
-             {unlock},
-             Then(checkInLines, Then(Exchange(L"UnLockDesignRevisions", unlock, failedUnlock),
-                                     {{0, L"Error while check-in."}}))),
-        Call("GetCheckOutStatus", {User, {"GETPROPERTIES", WithErrors("", lockedBy)}}, status,
-             "S_OK 2true", {SessionInfo, properties}, Then(UserLines, {NoErrorsFound})),
-        Call("GetCheckOutStatus failed",
-             {User, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":8})", lockedBy)}}, status,
-             "E_FAIL 2false", {SessionInfo, properties},
-             Then(UserLines, {{0, L"Error getting file properties."}})),
+        // A failed check-in writes no LogErrors lines.
+        Calls("CheckIn", checkIn, {unlock},
+              {When({{"UNLOCKDESIGNREVISIONS", unlocked}},
+                    "S_OK 9b\xC3\xB6"
+                    "b50",
+                    unlockLines(unlocked, L"Check-in successful. No errors found.", 2)),
+               When({{"UNLOCKDESIGNREVISIONS", failedUnlock}}, "E_FAIL 000",
+                    unlockLines(failedUnlock, L"Error while check-in.", 0))}),
+        Calls("GetCheckOutStatus", status, {SessionInfo, properties},
+              {When({User, {"GETPROPERTIES", WithErrors("", lockedBy)}}, "S_OK 2true",
+                    Then(UserLines, {NoErrorsFound})),
+               When({User, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":8})", lockedBy)}},
+                    "E_FAIL 2false", Then(UserLines, {{0, L"Error getting file properties."}}))}),
     };
 }
 
@@ -230,7 +249,7 @@ std::vector<Row> Rows() {
         "GETAVAILABLECONTAINERS", R"("Name":"","ContainerType":[0,2],"ReturnUnsynched":false})");
     const auto addProject = [](F& f, A& a) {
         a.containerStatus = 7;
-        return With(f.AddProjectToSync(L"urn:p", &a.containerStatus), a.containerStatus);
+        return With(f.AddProjectToSync(L"urn:p:\u00e9", &a.containerStatus), a.containerStatus);
     };
     const std::string getChildren =
         Request("GETCHILDREN", R"("Identifier":"/w/top.asm","IdentifierType":0})");
@@ -246,22 +265,19 @@ std::vector<Row> Rows() {
                                  "\xC3\xA8"
                                  R"(cket","ComparisionOp":0}]}})";
     return {
-        Call("IsValidCorvaneFile(list)",
-             {{"ISPATHMONITORED",
-               R"({"PathToIsMonitored":[{"Key":"/w/\u00e9.par","Value":true}]})"}},
-             [](F& f, A& a) {
-                 return With(f.IsValidCorvaneFile({L"/w/\u00e9.par", L"/w/b.par"}, &a.monitored),
-                             a.monitored);
-             },
-             "S_OK 1",
-             {Request("ISPATHMONITORED", "\"Paths\":[\"/w/\xC3\xA9.par\",\"/w/b.par\"]}")}),
-        Call("IsValidCorvaneFile(list) failed",
-             {{"ISPATHMONITORED", WithErrors(R"({"ErrorCode":10})",
-                                             R"("PathToIsMonitored":[{"Key":"c","Value":true}])")}},
-             [](F& f, A& a) {
-                 return With(f.IsValidCorvaneFile({L"c"}, &a.monitored), a.monitored);
-             },
-             "E_FAIL 0", {Request("ISPATHMONITORED", R"("Paths":["c"]})")}),
+        Calls("IsValidCorvaneFile(list)",
+              [](F& f, A& a) {
+                  return With(f.IsValidCorvaneFile({L"/w/\u00e9.par", L"/w/b.par"}, &a.monitored),
+                              a.monitored);
+              },
+              {Request("ISPATHMONITORED", "\"Paths\":[\"/w/\xC3\xA9.par\",\"/w/b.par\"]}")},
+              {When({{"ISPATHMONITORED",
+                      R"({"PathToIsMonitored":[{"Key":"/w/\u00e9.par","Value":true}]})"}},
+                    "S_OK 1"),
+               When({{"ISPATHMONITORED",
+                      WithErrors(R"({"ErrorCode":10})",
+                                 R"("PathToIsMonitored":[{"Key":"c","Value":true}])")}},
+                    "E_FAIL 0")}),
         Call("IsValidCorvaneFile(path) failed",
              {{"ISPATHMONITORED", WithErrors(R"({"ErrorCode":1})",
                                              R"("PathToIsMonitored":[{"Key":"x","Value":true}])")}},
@@ -271,14 +287,14 @@ std::vector<Row> Rows() {
         Call("IsFileSynchronized unmonitored",
              {{"ISPATHMONITORED", R"({"PathToIsMonitored":[{"Key":"p","Value":false}]})"}},
              synchronized, "true", {isMonitored}),
-        Call("IsFileSynchronized not in the model",
-             {monitored, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":8},{"ErrorCode":12})")}},
-             synchronized, "false", synchronizedRequests,
-             {{0, L"Error getting file properties."}, {1, L"File is not synchronized."}}),
         // Only the first error counts.
-        Call("IsFileSynchronized other error",
-             {monitored, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":12},{"ErrorCode":8})")}},
-             synchronized, "true", synchronizedRequests, {{0, L"Error getting file properties."}}),
+        Calls(
+            "IsFileSynchronized", synchronized, synchronizedRequests,
+            {When({monitored, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":8},{"ErrorCode":12})")}},
+                  "false",
+                  {{0, L"Error getting file properties."}, {1, L"File is not synchronized."}}),
+             When({monitored, {"GETPROPERTIES", WithErrors(R"({"ErrorCode":12},{"ErrorCode":8})")}},
+                  "true", {{0, L"Error getting file properties."}})}),
         // The map's keys ignore case; a file the map does not hold is passed over.
         Call("GetDocumentConsistencyStamp", {{"GETPROPERTIES", Stamp}},
              [](F& f, A& a) {
@@ -293,26 +309,25 @@ std::vector<Row> Rows() {
                                            propertiesOf + R"(,{"Key":"/w/o.par",)" + propertiesOf +
                                            "]}")},
              {NoErrorsFound}),
-        Call("IsNewVersionAvailable",
-             {{"GETPROPERTIES", Stamp},
-              {"CHECKFORNEWERVERSION",
-               R"({"IdentifierToNewerVersionId":[{"Key":"DOC-1","Value":"v9"}]})"}},
-             [](F& f, A&) { return Show(f.IsNewVersionAvailable(L"/w/a.par")); }, "true",
-             newerRequests, {NoErrorsFound}),
         // A failed stamp look-up does not stop the question, and its errors are not looked at.
-        Call("GetStatusInformation without a stamp",
-             {{"GETPROPERTIES", WithErrors(R"({"ErrorCode":8})")},
-              {"CHECKFORNEWERVERSION",
-               WithErrors(R"({"ErrorCode":1})",
-                          R"("IdentifierToNewerVersionId":[{"Key":"","Value":"v"}])")}},
-             [](F& f, A& a) {
-                 a.status = {true, true, L"bob", 5, 5};
-                 const HRESULT result = f.GetStatusInformation(L"/w/a.par", &a.status);
-                 return Show(result) + " " + std::to_string(a.status.isNewVersionAvailable) +
-                        std::to_string(a.status.isNewRevisionAvailable) +
-                        a.status.checkedOutBy.Narrow();
-             },
-             "S_OK 10bob", newerRequests, {{0, L"Error getting file properties."}}),
+        Calls("GetStatusInformation",
+              [](F& f, A& a) {
+                  a.status = {true, true, L"bob", 5, 5};
+                  const HRESULT result = f.GetStatusInformation(L"/w/a.par", &a.status);
+                  return Show(result) + " " + std::to_string(a.status.isNewVersionAvailable) +
+                         std::to_string(a.status.isNewRevisionAvailable) +
+                         a.status.checkedOutBy.Narrow();
+              },
+              newerRequests,
+              {When({{"GETPROPERTIES", Stamp},
+                     {"CHECKFORNEWERVERSION",
+                      R"({"IdentifierToNewerVersionId":[{"Key":"DOC-1","Value":"v9"}]})"}},
+                    "S_OK 10bob", {NoErrorsFound}),
+               When({{"GETPROPERTIES", WithErrors(R"({"ErrorCode":8})")},
+                     {"CHECKFORNEWERVERSION",
+                      WithErrors(R"({"ErrorCode":1})",
+                                 R"("IdentifierToNewerVersionId":[{"Key":"","Value":"v"}])")}},
+                    "S_OK 10bob", {{0, L"Error getting file properties."}})}),
         // Success all the same: the caller learns of the failure from the paths left empty.
         Call(
             "GetFilePath failed",
@@ -339,31 +354,26 @@ std::vector<Row> Rows() {
              },
              "E_FAIL 0", {Request("GETFILECONTEXTINFO", R"("Files":["/w/a.par","/w/b.par"]})")},
              {{0, L"ERROR WHILE GETTING CORVANE CONTEXT INFORMATION."}, CodeLine(3), CodeLine(6)}),
-        Call("GetAvailableContainers",
-             {{"GETAVAILABLECONTAINERS", R"({"ContainerInformation":[{"ContainerId":"c-1"}]})"}},
-             containers, "S_OK 17", {containersRequest}),
         // Only "not supported" tells the caller so, whichever error it comes with.
-        Call(
-            "GetAvailableContainers unsupported",
-            {{"GETAVAILABLECONTAINERS",
-              WithErrors(R"({"ErrorCode":1},{"ErrorCode":4})",
-                         R"("ContainerInformation":[{"ContainerId":"c-1"}])")}},
-            containers, "E_FAIL 03", {containersRequest},
-            {{0, L"ERROR WHILE GETTING CORVANE CONTAINER INFORMATION."}, CodeLine(1), CodeLine(4)}),
-        Call("AddProjectToSync", {{"ADDPROJECTTOSYNC", WithErrors("", R"("TaskId":"t-1")")}},
-             [](F& f, A& a) {
-                 a.containerStatus = 7;
-                 return With(f.AddProjectToSync(L"urn:p:\u00e9", &a.containerStatus),
-                             a.containerStatus);
-             },
-             "S_OK 7", {Request("ADDPROJECTTOSYNC", "\"ProjectURN\":\"urn:p:\xC3\xA9\"}")}),
-        Call("AddProjectToSync failed", {{"ADDPROJECTTOSYNC", WithErrors(R"({"ErrorCode":1})")}},
-             addProject, "E_FAIL 7", {Request("ADDPROJECTTOSYNC", R"("ProjectURN":"urn:p"})")},
-             {{0, L"ERROR WHILE ADDING PROJECT TO SYNC."}, CodeLine(1)}),
-        Call("AddProjectToSync unsupported",
-             {{"ADDPROJECTTOSYNC", WithErrors(R"({"ErrorCode":4},{"ErrorCode":1})")}}, addProject,
-             "E_FAIL 3", {Request("ADDPROJECTTOSYNC", R"("ProjectURN":"urn:p"})")},
-             {{0, L"ERROR WHILE ADDING PROJECT TO SYNC."}, CodeLine(4), CodeLine(1)}),
+        Calls("GetAvailableContainers", containers, {containersRequest},
+              {When({{"GETAVAILABLECONTAINERS",
+                      R"({"ContainerInformation":[{"ContainerId":"c-1"}]})"}},
+                    "S_OK 17"),
+               When({{"GETAVAILABLECONTAINERS",
+                      WithErrors(R"({"ErrorCode":1},{"ErrorCode":4})",
+                                 R"("ContainerInformation":[{"ContainerId":"c-1"}])")}},
+                    "E_FAIL 03",
+                    {{0, L"ERROR WHILE GETTING CORVANE CONTAINER INFORMATION."},
+                     CodeLine(1),
+                     CodeLine(4)})}),
+        Calls("AddProjectToSync", addProject,
+              {Request("ADDPROJECTTOSYNC", "\"ProjectURN\":\"urn:p:\xC3\xA9\"}")},
+              {When({{"ADDPROJECTTOSYNC", WithErrors("", R"("TaskId":"t-1")")}}, "S_OK 7"),
+               When({{"ADDPROJECTTOSYNC", WithErrors(R"({"ErrorCode":1})")}}, "E_FAIL 7",
+                    {{0, L"ERROR WHILE ADDING PROJECT TO SYNC."}, CodeLine(1)}),
+               When({{"ADDPROJECTTOSYNC", WithErrors(R"({"ErrorCode":4},{"ErrorCode":1})")}},
+                    "E_FAIL 3",
+                    {{0, L"ERROR WHILE ADDING PROJECT TO SYNC."}, CodeLine(4), CodeLine(1)})}),
         // No code line: this failure does not report its codes.
         Call(
             "GetFileAccessPermissions failed",
@@ -495,17 +505,19 @@ TEST_F(CallTable, EachCallSendsItsRequestsWritesItsLinesAndGivesItsOutcome) {
         rows.push_back(std::move(row));
     }
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        connector.executeRequests.clear();
-        for (const auto& [command, answer] : row.answers) {
-            connector.Answer(command, answer);
-        }
-        A data;
-        EXPECT_EQ(row.outcome, row.call(*files, data));
-        EXPECT_EQ(row.requests, connector.executeRequests);
-        EXPECT_EQ(row.lines, Take());
-        for (const auto& [command, answer] : row.answers) {
-            connector.Answer(command, std::string(R"({"Errors":[]})"));
+        for (const Case& c : row.cases) {
+            SCOPED_TRACE(row.name + " -> " + c.outcome);
+            connector.executeRequests.clear();
+            for (const auto& [command, answer] : c.answers) {
+                connector.Answer(command, answer);
+            }
+            A data;
+            EXPECT_EQ(c.outcome, row.call(*files, data));
+            EXPECT_EQ(row.requests, connector.executeRequests);
+            EXPECT_EQ(c.lines, Take());
+            for (const auto& [command, answer] : c.answers) {
+                connector.Answer(command, std::string(R"({"Errors":[]})"));
+            }
         }
     }
 }

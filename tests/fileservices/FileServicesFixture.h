@@ -27,7 +27,7 @@ inline Line ExceptionLine(const std::wstring& what) {
     return {0, L"Corvane session is not a valid session - exception from Execute call : " + what};
 }
 
-// One of each argument the file-service slots take, for tests that walk all of them.
+// One of each argument the slots take, for tests that walk all of them.
 struct SlotArguments {
     FileCheckInList checkIns;
     FileLockStatusMap locks;
@@ -46,6 +46,11 @@ struct SlotArguments {
     PathList names;
     RelationMap relations;
     std::uint32_t code = 0;
+    // The session slots'.
+    RootFolderSet folders;
+    LoggedInUserInfo user;
+    SessionInfo info;
+    bool timedOut = true;
 };
 
 class FileServicesTest : public ::testing::Test {

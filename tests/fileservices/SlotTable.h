@@ -63,14 +63,9 @@ inline void Granted(Rig&) {
 }
 
 inline std::string Show(HRESULT result) {
-    switch (static_cast<std::uint32_t>(result)) {
-    case 0:
-        return "S_OK";
-    case 0x80004005U:
-        return "E_FAIL";
-    default:
-        return std::to_string(static_cast<std::uint32_t>(result));
-    }
+    return result == S_OK     ? "S_OK"
+           : result == E_FAIL ? "E_FAIL"
+                              : std::to_string(static_cast<std::uint32_t>(result));
 }
 
 inline std::string Show(bool result) {
@@ -267,25 +262,17 @@ inline std::vector<Method> SessionMethods() {
              {"Execute GETSESSIONINFO", "true", Says::ExecuteLine, true},
              {"Execute GETCONNECTIONSTATUS", "false"}},
             [](Rig&) {}), // not yet registered
-        Slot("GetRootFolders",
-             [](Rig& r) {
-                 RootFolderSet folders;
-                 return r.session->GetRootFolders(&folders);
-             },
+        Slot("GetRootFolders", [](Rig& r) { return r.session->GetRootFolders(&r.a.folders); },
              {{"Execute GETCORVANEROOTFOLDERS", "S_OK"}}),
         Slot("GetCurrentLoggedInUserInfo",
-             [](Rig& r) {
-                 LoggedInUserInfo user;
-                 return r.session->GetCurrentLoggedInUserInfo(&user);
-             },
+             [](Rig& r) { return r.session->GetCurrentLoggedInUserInfo(&r.a.user); },
              {{"Execute GETSESSIONINFO", "S_OK"}}),
         Slot("IsCorvaneRunning", [](Rig& r) { return r.session->IsCorvaneRunning(); }),
         Slot("IsCorvaneInstalled", [](Rig& r) { return r.session->IsCorvaneInstalled(); }),
         Slot(
             "StartCorvaneAndWaitForReadyState",
             [](Rig& r) {
-                bool timedOut = true;
-                return r.session->StartCorvaneAndWaitForReadyState(0, &timedOut, nullptr);
+                return r.session->StartCorvaneAndWaitForReadyState(0, &r.a.timedOut, nullptr);
             },
             {{"LaunchApplication", "false", Says::LaunchLine},
              {"DeRegisterClient", "true", Says::DeregisterLine, true},
@@ -303,11 +290,7 @@ inline std::vector<Method> SessionMethods() {
              },
              {{"DeRegisterClient", "-", Says::DeregisterLine}}),
         Slot("IsCorvaneInOffLineMode", [](Rig& r) { return r.session->IsCorvaneInOffLineMode(); }),
-        Slot("GetSessionInfo",
-             [](Rig& r) {
-                 SessionInfo info;
-                 return r.session->GetSessionInfo(&info);
-             },
+        Slot("GetSessionInfo", [](Rig& r) { return r.session->GetSessionInfo(&r.a.info); },
              {{"Execute GETSESSIONINFO", "S_OK"}}),
     };
 }

@@ -94,8 +94,7 @@ template <class Visit> void ForEachSample(Visit&& visit) {
             R"("RelationType":"DesignChildRelation","RelationConsistencyStamp":"st-5",)"
             R"("RelationProperties":[]}]}]})"));
     visit(Versioned<CorvaneGetNextIdInput>(
-        R"("FileExtension":"par",)"
-        R"("NumberOfIds":2,"GetInitialRevId":true,"Properties":["number"],)"
+        R"("FileExtension":"par","NumberOfIds":2,"GetInitialRevId":true,"Properties":["number"],)"
         R"("DirectoryPath":"C:\\Corvane\\Pump"})",
         R"({"Errors":[],"NextIdInfo":[{"PropertyName":"number","Number":"PN-1001","Revid":"A"},)"
         R"({"PropertyName":"number","Number":"PN-1002","Revid":"A"}]})"));
@@ -122,8 +121,7 @@ template <class Visit> void ForEachSample(Visit&& visit) {
             Document(R"("C:\\Corvane\\Pump\\Pump.asm")", '2') +
             R"(,"ChildRelationInfos":[{"ChildDocumentInfo":)" +
             Document(R"("C:\\Corvane\\Pump\\Housing.txt","C:\\Corvane\\Pump\\Housing.par")", '1') +
-            R"(,)"
-            R"("RelationId":"r-1","RelationUrn":"urn:r:1","RelationType":"DesignChildRelation",)"
+            R"(,"RelationId":"r-1","RelationUrn":"urn:r:1","RelationType":"DesignChildRelation",)"
             R"("RelationVersionId":"1","RelationProperties":[]}]}]})"));
     visit(Versioned<CorvaneRemoveChildrenInput>(R"("RelationURNs":["urn:r:1",""]})",
                                                 R"({"Errors":[{"ErrorCode":8,"Ids":[""]}]})"));
@@ -151,8 +149,7 @@ template <class Visit> void ForEachSample(Visit&& visit) {
         R"({"Name":"consistencyStamp","PropertyType":0,"PropertyValues":["st-5"]},)"
         R"({"Name":"DocumentId","PropertyType":0,"PropertyValues":["d-1"]}]}]}]})"));
     visit(Versioned<CorvaneGetAvailableContainersInput>(
-        R"("Name":"",)"
-        R"("ContainerType":[0,2],"ReturnUnsynched":false})",
+        R"("Name":"","ContainerType":[0,2],"ReturnUnsynched":false})",
         R"({"Errors":[],"ContainerInformation":[{"LocalFilePath":"C:\\Corvane\\Pump",)"
         R"("ContainerType":0,"ContainerName":"Pump","ContainerId":"p-4",)"
         R"("ContainerUrn":"urn:p:4","ContainerOwnershipType":1,)"
