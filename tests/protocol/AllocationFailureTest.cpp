@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -31,15 +30,6 @@ std::string FirstMembers(const std::string& text, std::size_t keys) {
     return boost::json::serialize(part);
 }
 
-// A record read from `text`: as its writer gives it back, and the core allocations reading made.
-template <class T> std::pair<std::string, std::int64_t> Read(const std::string& text) {
-    const std::int64_t before = MemoryManager::AllocationCount();
-    T record;
-    vanto::protocol::FromJson(record, Core::TevString(text));
-    const std::int64_t allocations = MemoryManager::AllocationCount() - before;
-    return {vanto::protocol::WriteJson(record).str(), allocations};
-}
-
 // Reads `text` into a fresh record with the nth allocation failing, once for every n up to one
 // past the last allocation. What the record holds must be what reading only the members before
 // the one being read at the failure gives; the allocator's live count must come back.
@@ -51,9 +41,11 @@ void ReadWithEveryAllocationFailing(const std::string& name, const std::string& 
     std::vector<std::string> partial;
     std::vector<std::int64_t> cost;
     for (std::size_t k = 0; k <= members; ++k) {
-        const auto [written, allocations] = Read<T>(FirstMembers(text, k));
-        partial.push_back(written);
-        cost.push_back(allocations);
+        const std::int64_t before = MemoryManager::AllocationCount();
+        T record;
+        vanto::protocol::FromJson(record, Core::TevString(FirstMembers(text, k)));
+        cost.push_back(MemoryManager::AllocationCount() - before);
+        partial.push_back(vanto::protocol::WriteJson(record).str());
     }
     ASSERT_EQ(text, partial.back()) << "the sample is the writer's own text";
 

@@ -1,5 +1,6 @@
 // What the reader takes from an answer: valid JSON that is not quite what a record expects, texts
 // that are not one valid JSON document, huge answers, and what all of it leaves behind.
+#include "protocol/RecordIO.h"
 #include "protocol/commands/DataManagementCommands.h"
 #include "protocol/commands/MCADCommands.h"
 #include "protocol/registration/SessionOutputs.h"
@@ -12,6 +13,8 @@
 #include <initializer_list>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -77,28 +80,33 @@ TEST(ReadingRules, SessionInformationReadFromTextsThatAreNotQuiteWhatItExpects) 
 }
 
 TEST(ReadingRules, IntegersMustBeWholeAndFitIn32Bits) {
-    const auto size = [](const std::string& value) {
-        return CorvaneDataset(R"({"FileSize":)" + value + "}").FileSize;
-    };
-    EXPECT_EQ(2147483647, size("2147483647"));
-    EXPECT_EQ(-2147483647 - 1, size("-2147483648"));
-    EXPECT_EQ(-7, size("-7"));
-    for (const char* beyond :
-         {"2147483648", "-2147483649", "9223372036854775807", "18446744073709551615",
-          "123456789012345678901234567890", "1.0", "1e3", "-0.5", "1e300", "true", "\"12\""}) {
-        EXPECT_EQ(0, size(beyond)) << beyond;
+    const std::pair<const char*, std::int32_t> cases[] = {{"2147483647", 2147483647},
+                                                          {"-2147483648", -2147483647 - 1},
+                                                          {"-7", -7},
+                                                          {"2147483648", 0},
+                                                          {"-2147483649", 0},
+                                                          {"18446744073709551615", 0},
+                                                          {"123456789012345678901234567890", 0},
+                                                          {"1.0", 0},
+                                                          {"1e3", 0},
+                                                          {"-0.5", 0},
+                                                          {"true", 0},
+                                                          {"\"12\"", 0}};
+    for (const auto& [value, expected] : cases) {
+        // The rest of the record is read all the same.
+        const CorvaneDataset dataset(R"({"FileSize":)" + std::string(value) + R"(,"Name":"n"})");
+        EXPECT_EQ(expected, dataset.FileSize) << value;
+        EXPECT_EQ("n", dataset.Name) << value;
     }
-    // The rest of the record is read all the same.
-    EXPECT_EQ("n", CorvaneDataset(R"({"FileSize":4294967296,"Name":"n"})").Name);
 }
 
 TEST(ReadingRules, ErrorsAndIntegerListElementsOfTheWrongKindKeepTheirPlaceAsDefaults) {
     const CommandOutputBase output(R"({"Errors":[5,{"ErrorCode":9},null,[{"ErrorCode":3}],{}]})");
-    ASSERT_EQ(5U, output.Errors.size());
-    for (std::size_t i : {0U, 2U, 3U, 4U}) {
-        EXPECT_EQ(0, output.Errors[i]->ErrorCode) << i;
+    std::vector<std::int32_t> codes;
+    for (const auto& error : output.Errors) {
+        codes.push_back(error->ErrorCode);
     }
-    EXPECT_EQ(9, output.Errors[1]->ErrorCode);
+    EXPECT_EQ((std::vector<std::int32_t>{0, 9, 0, 0, 0}), codes);
 
     CorvaneStringToObjectTypesPair pair;
     vanto::protocol::FromJson(pair, R"({"ObjectTypeList":[1,"2",3.5,4294967296,-4,{}]})");
@@ -144,6 +152,9 @@ TextList Folders(const std::string& text) {
 TEST(BadInput, TextsThatAreNotOneDocumentReadAsDefaults) {
     const std::string valid = R"({"Errors":[],"RootFolders":["/a","/b"]})";
     const std::string bom = "\xEF\xBB\xBF"; // skipped once, at the start only
+    const auto in = [](const char* text) {
+        return R"({"RootFolders":["/a)" + std::string(text) + R"("]})";
+    };
     ASSERT_EQ((TextList{"/a", "/b"}), Folders(valid));
     EXPECT_EQ((TextList{"/a", "/b"}), Folders(" \r\n\t" + valid + " \n"));
     EXPECT_EQ((TextList{"/a", "/b"}), Folders(bom + valid));
@@ -154,25 +165,16 @@ TEST(BadInput, TextsThatAreNotOneDocumentReadAsDefaults) {
              "not json", valid + "x", valid + valid, valid + ",", "[" + valid + "]", R"("/a")",
              "null", "// note\n" + valid, R"({"RootFolders":["/a",]})",
              R"({"RootFolders":["/a"],})", R"({'RootFolders':['/a']})",
-             R"({"RootFolders":["/a"]} /* x */)", R"({"RootFolders":["/a\x"]})",
+             R"({"RootFolders":["/a"]} /* x */)", in("\\x"),
              R"({"RootFolders":["/a"],"N":1e99999999999})", std::string("\0", 1) + valid,
-             valid + std::string("\0", 1), bom + bom + valid, " " + bom + valid}) {
+             valid + std::string("\0", 1), bom + bom + valid, " " + bom + valid,
+             // Invalid UTF-8 and lone surrogates anywhere make the whole answer unreadable.
+             std::string(R"({"RootFolders":["/a"],"Other":"x)") + "\xFF" + R"("})", in("\xC3"),
+             in("\xED\xA0\x80"), in("\xC0\xAF"), in("\\uD83D"), in("\\uDE00x"),
+             R"({"RootFolders":["/a"],"Other":"\uD83D\u0041"})"}) {
         EXPECT_TRUE(Folders(bad).empty()) << bad;
     }
-}
-
-TEST(BadInput, InvalidUtf8AndLoneSurrogatesMakeTheWholeAnswerUnreadable) {
-    for (const std::string& bad : std::initializer_list<std::string>{
-             std::string(R"({"RootFolders":["/a"],"Other":"x)") + "\xFF" + R"("})",
-             std::string(R"({"RootFolders":["/a)") + "\xC3" + R"("]})",
-             std::string(R"({"RootFolders":["/a)") + "\xED\xA0\x80" + R"("]})",
-             std::string(R"({"RootFolders":["/a)") + "\xC0\xAF" + R"("]})",
-             std::string(R"({"RootFolders":["/a\uD83D"]})"),
-             std::string(R"({"RootFolders":["/a\uDE00x"]})"),
-             std::string(R"({"RootFolders":["/a"],"Other":"\uD83D\u0041"})")}) {
-        EXPECT_TRUE(Folders(bad).empty()) << bad;
-    }
-    EXPECT_EQ(TextList{"/\xE2\x82\xAC"}, Folders("{\"RootFolders\":[\"/\xE2\x82\xAC\"]}"));
+    EXPECT_EQ(TextList{"/a\xE2\x82\xAC"}, Folders(in("\xE2\x82\xAC")));
 }
 
 TEST(BadInput, NestingBeyondTheLimitIsRejected) {
@@ -183,22 +185,15 @@ TEST(BadInput, NestingBeyondTheLimitIsRejected) {
     EXPECT_EQ(TextList{"/a"}, Folders(nested(vanto::protocol::MaxJsonDepth - 1)));
     EXPECT_TRUE(Folders(nested(vanto::protocol::MaxJsonDepth)).empty());
     EXPECT_TRUE(Folders(nested(100000)).empty());
-    std::string objects;
-    for (int i = 0; i < 100000; ++i) {
-        objects += R"({"RootFolders":)";
-    }
-    EXPECT_TRUE(Folders(objects).empty());
-}
-
-// A text with one string of 50 MB between `before` and `after`, built without further copies.
-Core::TevString WithHugeString(const char* before, const char* after) {
-    std::string text(before);
-    text.append(std::size_t{50} << 20, 'x');
-    text += after;
-    return Core::TevString(std::move(text));
 }
 
 TEST(BadInput, FiftyMegabyteStringsAreReadOrPassedOver) {
+    // A text with one string of 50 MB between `before` and `after`, built without further copies.
+    const auto WithHugeString = [](const char* before, const char* after) {
+        std::string text(before);
+        text.append(std::size_t{50} << 20, 'x');
+        return Core::TevString(std::move(text += after));
+    };
     const CorvaneGetRootFoldersOutput kept(WithHugeString(R"({"RootFolders":["/a",")", R"("]})"));
     ASSERT_EQ(2U, kept.RootFolders.size());
     EXPECT_EQ(std::size_t{50} << 20, kept.RootFolders[1].size());
@@ -240,6 +235,43 @@ TEST(BadInput, NothingIsLeftBehindWhateverTheTextIs) {
         EXPECT_EQ(1U, reread.Errors.size());
     }
     EXPECT_EQ(before, Core::MemoryManager::LiveAllocations());
+}
+
+// Keys the connector spells irregularly; every record's regular keys, order and spellings are
+// checked against the sample exchanges (AllocationFailureTest).
+TEST(CommandRecords, IrregularKeysAreReadOnlyAsTheConnectorSpellsThem) {
+    using namespace Corvane::CommandIO::DataManagement::MCAD;
+    const Corvane::CommandIO::DataManagement::CorvaneGetAvailableContainersOutput containers(
+        R"({"ContainerInformation":[{"ContainerUrn":"urn:1"},{"ContainerURN":"urn:2"}]})");
+    ASSERT_EQ(2U, containers.ContainerInformation.size());
+    EXPECT_EQ("urn:1", containers.ContainerInformation[0]->ContainerUrn);
+    EXPECT_EQ("", containers.ContainerInformation[1]->ContainerUrn);
+
+    const Corvane::DataTypes::CorvaneContextInformation context(
+        R"({"ContainerURN":"urn:3","ContainerUrn":"no"})");
+    EXPECT_EQ("urn:3", context.ContainerURN);
+
+    const CorvaneGetNextRevisionIdOutput next(
+        R"({"NextRevisionIdInfo":[{"RevisionFilepath":"/a.prt"},{"RevisionFilePath":"/b.prt"}]})");
+    ASSERT_EQ(2U, next.NextRevisionIdInfo.size());
+    EXPECT_EQ("/a.prt", next.NextRevisionIdInfo[0]->RevisionFilepath);
+    EXPECT_EQ("", next.NextRevisionIdInfo[1]->RevisionFilepath);
+}
+
+// Read, then written back as the log shows it: the answer's order, defaults for what it left out.
+TEST(CommandRecords, PairListsKeepTheAnswersOrderAndMissingKeysReadAsDefaults) {
+    using namespace Corvane::CommandIO::DataManagement::MCAD;
+    const Corvane::CommandIO::DataManagement::CorvaneCheckNewerVersionOnCloudOutput newer(
+        R"({"IdentifierToNewerVersionId":[{"Key":"b","Value":"7"},{"Key":"a","Value":"3"}],)"
+        R"("IdentifierToHasNewerVersionInCloud":[{"Key":"b","Value":true},{"Key":"a"}]})");
+    EXPECT_EQ(R"({"Errors":[],"IdentifierToNewerVersionId":[{"Key":"b","Value":"7"},)"
+              R"({"Key":"a","Value":"3"}],"IdentifierToHasNewerVersionInCloud":[)"
+              R"({"Key":"b","Value":true},{"Key":"a","Value":false}]})",
+              vanto::protocol::WriteJson(newer).str());
+    const CorvaneRemoveChildrenOutput removed(
+        R"({"Errors":[{"ErrorCode":5,"Ids":["a","b"]},{"Ids":["c"]}],"Extra":[1,{}]})");
+    EXPECT_EQ(R"({"Errors":[{"ErrorCode":5,"Ids":["a","b"]},{"ErrorCode":0,"Ids":["c"]}]})",
+              removed.ToJson().str());
 }
 
 } // namespace
