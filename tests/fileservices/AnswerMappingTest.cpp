@@ -78,10 +78,7 @@ std::wstring Show(const FilePropertyList& files) {
 constexpr const char* NoLockErrors = R"("Errors":[],)";
 
 TEST(AnswerMapping, MarkLocksMarksTheFilesTheLockInfosNameByTheirHolder) {
-    struct Row {
-        const char* status; // the Status array's entries
-        std::wstring after;
-    };
+    using Row = std::pair<const char*, std::wstring>; // the Status array's entries, then after
     const FileLockStatusMap before{{L"/w/a.par", {}}, {L"/w/b.par", {true, false, false, L"bob"}}};
     const std::vector<Row> rows = {
         // The holder's name is compared with the user's ignoring case; so are the file names.
@@ -98,22 +95,18 @@ TEST(AnswerMapping, MarkLocksMarksTheFilesTheLockInfosNameByTheirHolder) {
          L"/w/a.par=XU:ann /w/b.par=X-:bob "},
         {R"({"DesignIdentifier":"/w/a.pa","LockedBy":"ann"})", L"/w/a.par=--: /w/b.par=X-:bob "},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.status);
+    for (const auto& [status, after] : rows) {
+        SCOPED_TRACE(status);
         FileLockStatusMap files = before;
         MarkLocks(Read<CorvaneLockDesignRevisionsOutput>(std::string("{") + NoLockErrors +
-                                                         R"("Status":[)" + row.status + "]}"),
+                                                         R"("Status":[)" + status + "]}"),
                   files, GUserText(L"ann"));
-        EXPECT_EQ(row.after, Show(files));
+        EXPECT_EQ(after, Show(files));
     }
 }
 
 TEST(AnswerMapping, ClearRefusedLocksClearsTheFilesOfEveryCodeButObjectLocked) {
-    struct Row {
-        const char* errors;
-        bool refused;
-        std::wstring after;
-    };
+    using Row = std::tuple<const char*, bool, std::wstring>; // errors, refused, after
     const FileLockStatusMap before{{L"/w/a.par", {true, true, false, L"ann"}},
                                    {L"/w/b.par", {true, false, false, L"bob"}}};
     const std::vector<Row> rows = {
@@ -124,14 +117,14 @@ TEST(AnswerMapping, ClearRefusedLocksClearsTheFilesOfEveryCodeButObjectLocked) {
         {R"({"ErrorCode":1,"Ids":["/w/b.par"]},{"ErrorCode":5,"Ids":["/w/a.par"]})", true,
          L"/w/a.par=--:ann /w/b.par=--:bob "},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.errors);
+    for (const auto& [errors, refused, after] : rows) {
+        SCOPED_TRACE(errors);
         FileLockStatusMap files = before;
-        EXPECT_EQ(row.refused, ClearRefusedLocks(Read<CorvaneLockDesignRevisionsOutput>(
-                                                     std::string(R"({"Errors":[)") + row.errors +
-                                                     R"(],"Status":[]})"),
-                                                 files));
-        EXPECT_EQ(row.after, Show(files));
+        EXPECT_EQ(refused, ClearRefusedLocks(
+                               Read<CorvaneLockDesignRevisionsOutput>(
+                                   std::string(R"({"Errors":[)") + errors + R"(],"Status":[]})"),
+                               files));
+        EXPECT_EQ(after, Show(files));
     }
 }
 
@@ -146,10 +139,8 @@ FilePropertyEntry FileWith(std::vector<std::tuple<int, const wchar_t*, PathList>
 
 // The lock group (1) gives the holder, the document group (2) the stamp and the document id.
 TEST(AnswerMapping, ApplyLockedByAndDocumentStampTakeTheFirstValueOfTheirGroup) {
-    struct Row {
-        FilePropertyEntry file;
-        std::wstring after; // from a file checked out by bob, stamp "old", document "d-0"
-    };
+    // The file, then what it gives a file checked out by bob, stamp "old", document "d-0".
+    using Row = std::pair<FilePropertyEntry, std::wstring>;
     const std::vector<Row> rows = {
         {FileWith({{1, L"lockedby", {L"Ann", L"x"}},
                    {2, L"CONSISTENCYSTAMP", {L"v7", L"v8"}},
@@ -171,16 +162,17 @@ TEST(AnswerMapping, ApplyLockedByAndDocumentStampTakeTheFirstValueOfTheirGroup) 
         {FileWith({{1, L"LockedBy", {L""}}, {1, L"LockedBy", {L"ann"}}}),
          L"/w/a.par=XU:ann old,d-0"},
     };
-    for (const Row& row : rows) {
+    for (const auto& [file, after] : rows) {
         FileLockStatusMap files{{L"/w/a.par", {true, false, false, L"bob"}}};
-        ApplyLockedBy(row.file, files.begin()->second, GUserText(L"ann"));
+        ApplyLockedBy(file, files.begin()->second, GUserText(L"ann"));
         DocumentStamp stamp{L"old", L"d-0"};
-        ApplyDocumentStamp(row.file, stamp);
-        EXPECT_EQ(row.after,
+        ApplyDocumentStamp(file, stamp);
+        EXPECT_EQ(after,
                   Show(files) + stamp.consistencyStamp.wstr() + L"," + stamp.documentId.wstr());
     }
 }
 
+// A first flag that is set is CallTable's IsFileSynchronized row.
 TEST(AnswerMapping, MonitoredPathsKeepTheFirstFlagOfEachPath) {
     const auto output = Read<CorvaneIsPathMonitoredOutput>(
         R"({"PathToIsMonitored":[{"Key":"/w/\u00e9.par","Value":true},)"
@@ -188,15 +180,11 @@ TEST(AnswerMapping, MonitoredPathsKeepTheFirstFlagOfEachPath) {
     PathMonitoredMap monitored{{L"/w/b.par", false}};
     AddMonitored(output, monitored);
     EXPECT_EQ((PathMonitoredMap{{L"/w/b.par", false}, {L"/w/\u00e9.par", true}}), monitored);
-    EXPECT_TRUE(FirstMonitored(output));
     EXPECT_FALSE(FirstMonitored(Read<CorvaneIsPathMonitoredOutput>(R"({"PathToIsMonitored":[]})")));
 }
 
 TEST(AnswerMapping, StoreFilePathsGivesEachHeldIdentifierItsLastPath) {
-    struct Row {
-        const char* pairs;
-        FileUidPathMap after; // from {id-1: "", id-3: old}
-    };
+    using Row = std::pair<const char*, FileUidPathMap>; // after: from {id-1: "", id-3: old}
     const std::vector<Row> rows = {
         // Exact identifiers; no paths leave the old one; identifiers not held are passed over.
         {R"({"Key":"id-1","Values":["/w/a.par","/w/\u00e9.par"]},{"Key":"ID-3","Values":["/w/b"]},)"
@@ -205,13 +193,13 @@ TEST(AnswerMapping, StoreFilePathsGivesEachHeldIdentifierItsLastPath) {
         {R"({"Key":"id-3","Values":["/w/b.par"]},{"Key":"id-3","Values":["/w/c.par"]})",
          {{L"id-1", L""}, {L"id-3", L"/w/c.par"}}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.pairs);
+    for (const auto& [pairs, after] : rows) {
+        SCOPED_TRACE(pairs);
         FileUidPathMap paths{{L"id-1", L""}, {L"id-3", L"old"}};
         StoreFilePaths(Read<CorvaneGetFilePathByUidOutput>(
-                           std::string(R"({"DocumentIdToFilePathMap":[)") + row.pairs + "]}"),
+                           std::string(R"({"DocumentIdToFilePathMap":[)") + pairs + "]}"),
                        paths);
-        EXPECT_EQ(row.after, paths);
+        EXPECT_EQ(after, paths);
     }
 }
 
@@ -235,10 +223,7 @@ TEST(AnswerMapping, AppendContextsAddsOneEntryPerPathWithItsWholeContext) {
 }
 
 TEST(AnswerMapping, NewerVersionFoundComparesTheNamedDocumentsStamp) {
-    struct Row {
-        const char* pairs;
-        bool newer;
-    };
+    using Row = std::pair<const char*, bool>; // pairs, newer
     // Two files of one document: the first in the map's order decides for it.
     const DocumentStampMap stamps{{L"/w/a.par", {L"stamp-7", L"DOC-1"}},
                                   {L"/w/b.par", {L"stamp-8", L"doc-1"}},
@@ -251,13 +236,12 @@ TEST(AnswerMapping, NewerVersionFoundComparesTheNamedDocumentsStamp) {
         // An empty identifier names the document without an id.
         {R"({"Key":"","Value":"s-4"})", true},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.pairs);
-        EXPECT_EQ(row.newer,
-                  NewerVersionFound(
-                      Read<CorvaneCheckNewerVersionOnCloudOutput>(
-                          std::string(R"({"IdentifierToNewerVersionId":[)") + row.pairs + "]}"),
-                      stamps));
+    for (const auto& [pairs, newer] : rows) {
+        SCOPED_TRACE(pairs);
+        EXPECT_EQ(newer, NewerVersionFound(
+                             Read<CorvaneCheckNewerVersionOnCloudOutput>(
+                                 std::string(R"({"IdentifierToNewerVersionId":[)") + pairs + "]}"),
+                             stamps));
     }
 }
 
@@ -313,14 +297,6 @@ TEST(AnswerMapping, AddWhereUsedRelationsKeysEachRelationByItsLastPath) {
         whereUsed);
 }
 
-TEST(AnswerMapping, RelationUrnsOfListsTheFoundChildrenFirstThenEmptyTexts) {
-    const RelationMap children{{L"/w/a.par", L"urn:a"}, {L"/w/b.par", L"urn:\u00e9"}};
-    const auto urns =
-        RelationUrnsOf({L"/w/x.par", L"/w/b.par", L"/w/A.PAR", L"/w/a.par"}, children);
-    EXPECT_EQ((std::vector<std::string>{"urn:\xC3\xA9", "urn:a", "", ""}),
-              std::vector<std::string>(urns.begin(), urns.end()));
-}
-
 TEST(AnswerMapping, ContainersPermissionsAndNumbersAreAddedToWhatTheCallerHas) {
     ContainerList containers(1);
     AppendContainers(
@@ -350,18 +326,16 @@ TEST(AnswerMapping, ContainersPermissionsAndNumbersAreAddedToWhatTheCallerHas) {
                   ids);
     EXPECT_EQ((ItemIdRevisionList{{L"900", L"C"}, {L"1001", L"A"}, {L"1002", L"B"}}), ids);
 
-    struct Row {
-        const char* infos;
-        const wchar_t* revision; // from "A"
-    };
-    for (const Row& row : std::vector<Row>{{"", L"A"},
-                                           {R"({"Revid":"B"},{"Revid":"C"})", L"B"},
-                                           {R"({"RevisionFilepath":"/w/a.par"})", L""}}) {
+    // The infos, then the revision taken from "A".
+    for (const auto& [infos, after] : std::vector<std::pair<const char*, const wchar_t*>>{
+             {"", L"A"},
+             {R"({"Revid":"B"},{"Revid":"C"})", L"B"},
+             {R"({"RevisionFilepath":"/w/a.par"})", L""}}) {
         GUserText revision(L"A");
         TakeFirstRevisionId(Read<CorvaneGetNextRevisionIdOutput>(
-                                std::string(R"({"NextRevisionIdInfo":[)") + row.infos + "]}"),
+                                std::string(R"({"NextRevisionIdInfo":[)") + infos + "]}"),
                             revision);
-        EXPECT_EQ(row.revision, revision.wstr());
+        EXPECT_EQ(after, revision.wstr());
     }
 
     PathList names{L"kept"};
@@ -374,10 +348,7 @@ TEST(AnswerMapping, ContainersPermissionsAndNumbersAreAddedToWhatTheCallerHas) {
 }
 
 TEST(AnswerMapping, AppendPropertiesKeepsEveryGroupAndFiltersPropertiesByExactName) {
-    struct Row {
-        PropertyNameSet filter;
-        std::wstring added;
-    };
+    using Row = std::pair<PropertyNameSet, std::wstring>; // filter, added
     const auto output = Read<CorvaneGetPropertiesOutput>(
         R"({"FilePropertiesArray":[{"FilePath":"/w/pi\u00e8ce.par",)"
         R"("ObjectTypeToPropertiesArray":[{"ObjectType":0,"Properties":[)"
@@ -390,10 +361,10 @@ TEST(AnswerMapping, AppendPropertiesKeepsEveryGroupAndFiltersPropertiesByExactNa
         // Groups whose properties are all filtered out are kept, empty.
         {{L"Mass", L"lockedby"}, L"/w/pi\u00e8ce.par: 0 Mass(3)=2.5, 1|/w/b.asm:|"},
     };
-    for (const Row& row : rows) {
+    for (const auto& [filter, added] : rows) {
         FilePropertyList properties(1);
-        AppendProperties(output, row.filter, properties);
-        EXPECT_EQ(L":|" + row.added, Show(properties));
+        AppendProperties(output, filter, properties);
+        EXPECT_EQ(L":|" + added, Show(properties));
     }
 }
 

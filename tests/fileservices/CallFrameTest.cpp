@@ -50,15 +50,13 @@ void ExpectNotConnected(const std::string& result, const MethodRun& bare) {
     EXPECT_TRUE(a.uids.begin()->second.IsEmpty());
 }
 
-// Every slot of the file-services interface, in order. With a session: the commands it sends
-// (through the slots it calls, where it works through others); none for the inert ones. Before
-// any session: it reaches the method of its name, which opens its scope record (all but
-// IsFileSynchronized and LogErrors) and closes it before returning, and gives its not-connected
-// result.
+// Every slot of the file-services interface, in order (the calls each makes with a session are
+// FaultInjectionTest's clean runs). Before any session: it reaches the method of its name, which
+// opens its scope record (all but IsFileSynchronized and LogErrors) and closes it before returning,
+// and gives its not-connected result.
 TEST(FileServicesSlots, EachSlotSendsTheCommandsOfItsMethodWithinItsScope) {
     for (const Method& method : FileServiceMethods()) {
         SCOPED_TRACE(method.name);
-        CleanRun(method);
         Method unregistered = method;
         unregistered.prepare = [](Rig&) {};
         const auto bare = RunMethod(unregistered, [](Corvane::FakeConnector&) {});

@@ -462,15 +462,16 @@ std::vector<Row> Rows() {
                  R"({"Identifier":"/w/a.par","IdentifierType":0,"RelationProperties":[]},)"
                  R"({"Identifier":"/w/b.psm","IdentifierType":0,"RelationProperties":[]}]}]})")},
              {{0, L"ERROR WHILE ADDING CHILDREN."}}),
-        // The relations are found through the parent's children; those not found leave empty
-        // texts at the end.
-        Call("RemoveChildren", {{"GETCHILDREN", Children}},
-             [](F& f, A&) {
-                 return Show(
-                     f.RemoveChildren(L"/w/top.asm", {L"/w/x.par", L"/w/b.par", L"/w/A.PAR"}));
-             },
-             "S_OK",
-             {getChildren, Request("REMOVECHILDREN", R"("RelationURNs":["urn:b","",""]})")}),
+        // The relations are found through the parent's children, matching case; those not found
+        // leave empty texts at the end.
+        Call(
+            "RemoveChildren", {{"GETCHILDREN", Children}},
+            [](F& f, A&) {
+                return Show(f.RemoveChildren(L"/w/top.asm",
+                                             {L"/w/x.par", L"/w/b.par", L"/w/A.PAR", L"/w/a.par"}));
+            },
+            "S_OK",
+            {getChildren, Request("REMOVECHILDREN", R"("RelationURNs":["urn:b","urn:a","",""]})")}),
         Call(
             "RemoveChildren after a failed look-up",
             {{"GETCHILDREN", failedChildren}, {"REMOVECHILDREN", WithErrors(R"({"ErrorCode":1})")}},
@@ -540,7 +541,7 @@ TEST_F(CallTable, CallsThroughTheTableOpenTheirOwnScopes) {
 // GetProperties runs no session test of its own: without a session id the question still goes
 // out, with an empty one; without a proxy it fails in its guard.
 TEST_F(CallTable, GetPropertiesAsksWithoutASessionButNotWithoutAProxy) {
-    Unregister();
+    vanto::Session().sessionId.clear();
     EXPECT_EQ(S_OK, files->GetProperties({}, {}, nullptr));
     EXPECT_EQ(Texts{R"({"Command":"GETPROPERTIES","SessionId":"","Version":1,)"
                     R"("FilePathToObjectTypesArray":[]})"},

@@ -61,9 +61,6 @@ protected:
     }
     ~FileServicesTest() override { vanto::ResetSessionStateForTesting(); }
 
-    // As before any registration: no session id.
-    void Unregister() { vanto::Session().sessionId.clear(); }
-
     Lines Take() { return log.TakeMessages(); }
 
     Corvane::FakeConnector connector;
