@@ -3,7 +3,6 @@
 #include "fileservices/FileServicesFixture.h"
 #include "host/HostUtil.h"
 #include "os/Os.h"
-#include "session/ClientInformation.h"
 
 #include <regex>
 
@@ -300,10 +299,6 @@ TEST_F(SessionService, SessionInfoAndUser) {
     // The user's e-mail comes from a fresh record, so a failed answer empties it.
     EXPECT_EQ(S_OK, session->GetCurrentLoggedInUserInfo(&user));
     EXPECT_TRUE(user.email.IsEmpty());
-}
-
-TEST(ProcessStartTimeText, DatePlainTimePadded) {
-    EXPECT_EQ("2024-3-7T09:05:02", vanto::FormatProcessStartTime({2024, 3, 7, 9, 5, 2}).str());
 }
 
 } // namespace
