@@ -47,13 +47,13 @@
 ///   caller's containers as they were; each entry says where it differs. The component writes the
 ///   reason to the host's developer log (the method's failure line and, where the entry says so,
 ///   one LogErrors line per return code).
-/// - **Not connected**: no session has been registered yet (or the manager has no connector
-///   proxy). Nothing is sent, the line "Corvane session is not a valid session." is logged and
-///   the method returns its not-connected result. That result differs from method to method on
-///   purpose (E_FAIL for CheckIn, CheckOut, the list form of IsValidCorvaneFile and
+/// - **Not connected**: the connector has granted no session id yet (or the manager has no
+///   connector proxy). Nothing is sent, the line "Corvane session is not a valid session." is
+///   logged and the method returns its not-connected result. That result differs from method to
+///   method on purpose (E_FAIL for CheckIn, CheckOut, the list form of IsValidCorvaneFile and
 ///   GetStatusInformation; S_OK for most others; false or true for the methods that answer a
-///   bool): each entry names it. A session stays registered for this test after
-///   IVANTOSession::DeRegisterFromCorvane: the session id is kept and still sent.
+///   bool): each entry names it. After IVANTOSession::DeRegisterFromCorvane the file services
+///   still count as connected: the session id is kept and still sent.
 /// - **Exception**: a failure to reach the connector (no connector, lost connection, time-out) or
 ///   to read its answer. It is caught inside the method, logged as "Corvane session is not a valid
 ///   session - exception from Execute call : " followed by its text, and the method returns its
@@ -311,8 +311,8 @@ struct IVANTOSession : IUnknown {
     /// @param[in,out] user  Connector: `email` is set to the signed-in user's e-mail, the other
     /// texts are left as they are. Mock: `loginName` and `displayName` are set to the operating
     /// system's user name (read once per process), `email` is left. May be null.
-    /// @return Always S_OK. When no session is registered nothing is asked and `user` is left as
-    /// it is; an exception is logged.
+    /// @return Always S_OK. Before the connector has granted a session id nothing is asked and
+    /// `user` is left as it is; an exception is logged.
     /// @par Connector command
     /// `GETSESSIONINFO`
     /// @remarks With a session id held, the call also marks the session registered, so that the
@@ -415,11 +415,11 @@ struct IVANTOFileServices : IUnknown {
     /// exception.
     /// @par Connector command
     /// `UNLOCKDESIGNREVISIONS`
-    /// @remarks A file whose lock another user holds is one such error: the whole call answers
-    /// E_FAIL. On S_OK, a non-zero `errorCode` is the connector's return code for that file;
-    /// LogErrors writes its meaning to the log.
-    /// Mock: S_OK, the list left as it came in; 0x80070490 when the input file lists no files,
-    /// E_OUTOFMEMORY when the mock's store cannot be made.
+    /// @remarks An error for any one file (a lock another user holds, for example) fails the
+    /// whole call, and no entry is updated. On S_OK, a non-zero `errorCode` is the connector's
+    /// return code for that file; LogErrors writes its meaning to the log. Mock: S_OK, the list
+    /// left as it came in; 0x80070490 when the input file lists no files, E_OUTOFMEMORY when the
+    /// mock's store cannot be made.
     virtual HRESULT STDMETHODCALLTYPE CheckIn(FileCheckInList* files) = 0;
 
     /// Locks files for the signed-in user: checks them out.
@@ -433,7 +433,7 @@ struct IVANTOFileServices : IUnknown {
     /// refused (an error other than "object locked") has those two flags cleared again and keeps
     /// `checkedOutBy`. Keys are never added or removed. May be null.
     /// @return S_OK when the answer carries no errors or only "object locked" (return code 13)
-    /// errors, and when no file was left to request (nothing is sent). E_FAIL when the answer
+    /// errors, and when no file was left to request (no lock is asked for). E_FAIL when the answer
     /// carries any other error (logged as "Error while checkout."; the connector's answer is in
     /// the log line "LockDesignRevisions Output: ..."), when not connected, and after an
     /// exception (updates already made stay).
@@ -484,7 +484,8 @@ struct IVANTOFileServices : IUnknown {
     /// exception of its own steps reaches the caller.
     /// Mock: for a file of the input file (found ignoring case), `checkedOutBy` is its holder and
     /// `isCheckedOutByMe` whether that is the input file's user (ignoring case); the other fields
-    /// are left. S_OK whether the file is found or not.
+    /// are left. S_OK whether the file is found or not; E_OUTOFMEMORY when the mock's store cannot
+    /// be made.
     virtual HRESULT STDMETHODCALLTYPE GetStatusInformation(const GUserText& path,
                                                            FileStatusInformation* status) = 0;
 
@@ -644,7 +645,7 @@ struct IVANTOFileServices : IUnknown {
     /// logged through LogErrors) and after an exception.
     /// @par Connector command
     /// `GETNEXTID`
-    /// @remarks Numbers handed out are not handed out again. Mock: S_OK.
+    /// @remarks Mock: S_OK.
     virtual HRESULT STDMETHODCALLTYPE GenerateItemIDAndRevision(const GUserText& directoryPath,
                                                                 const GUserText& fileExtension,
                                                                 std::int32_t& count,
@@ -712,8 +713,8 @@ struct IVANTOFileServices : IUnknown {
     ///
     /// @param[in] parentPath  The assembly's full path.
     /// @param[in] childPaths  The children's full paths; an empty list is sent as it is.
-    /// @return S_OK on success and when not connected. E_FAIL when the answer carries errors (for
-    /// example a relation that already exists) and after an exception.
+    /// @return S_OK on success and when not connected. E_FAIL when the answer carries errors and
+    /// after an exception.
     /// @par Connector command
     /// `ADDCHILDREN`
     /// @remarks Mock: S_OK.
