@@ -93,7 +93,7 @@ run_example("the example host" COMMAND ${run_example}
 # The mock leaves the caller's lock states as they came in: nothing is checked out.
 run_example("the check-out host on the mock"
             COMMAND ${run_checkout} --mock "Z:\\PDM\\Root\\bracket.par"
-            EXPECT "connected\n" "CheckOut: S_OK"
+            EXPECT "connected\r?\n" "CheckOut: S_OK"
                    "bracket.par: not checked out, open read-only" "nothing to check in"
                    "DllCanUnloadNow: S_FALSE, the module stays loaded")
 if(WINE_RUN)
