@@ -31,7 +31,7 @@
 ///    services send nothing (see "Not connected" below).
 /// 5. Call the file services.
 /// 6. Release every interface and the manager: the last release deregisters the process from the
-///    connector.
+///    connector. Keep the module loaded: DllCanUnloadNow answers S_FALSE once a manager has gone.
 ///
 /// `examples/host/` holds two complete hosts: `host.cpp` (one check-out on the mock) and
 /// `checkout.cpp` (connect or start the connector, check out, act on each file's outcome, check
