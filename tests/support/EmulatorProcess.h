@@ -33,9 +33,10 @@ public:
     EmulatorProcess(const EmulatorProcess&) = delete;
     EmulatorProcess& operator=(const EmulatorProcess&) = delete;
 
-    // Starts (again) on the same data folder; waits until the endpoint file is there.
+    // Starts (again) on the same data folder; waits until it has written its endpoint file.
     void Start();
-    // Ends it at once, as a crash would (not under Wine, where the emulator is no Windows process).
+    // Ends it at once, as a crash would (not under Wine, where the emulator is no Windows process),
+    // leaving its endpoint file behind.
     void Kill();
     // Asks the emulator on this data folder, whoever started it, to stop and waits for it.
     void Stop();
