@@ -98,7 +98,6 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
     log.Write("start, process " + std::to_string(platform::os::CurrentProcessId()) + ", " +
               serving);
     io.run();
-    log.Write("stop");
     return server.Secret();
 }
 
@@ -136,6 +135,7 @@ int Serve(ServeOptions options) {
         // Only now, with the database closed and its journal files gone, so that whoever waits
         // for this file to disappear finds the data folder settled.
         Server::RemoveEndpointFile(options.endpointFile, secret);
+        log.Write("stop");
     } catch (const std::exception& error) {
         log.Write(std::string("refused to serve: ") + error.what());
         throw;
@@ -252,8 +252,13 @@ int main(int argc, char** argv) {
         if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
             return app.exit(error);
         }
+        // CLI11 takes a word that names no subcommand for a missing one; say which word.
+        const std::vector<std::string> left = app.remaining();
+        const std::string problem = app.get_subcommands().empty() && !left.empty()
+                                        ? "unknown subcommand '" + left.front() + "'"
+                                        : error.what();
         std::fprintf(stderr, "corvane_emulator: %s\nRun 'corvane_emulator --help' for more.\n",
-                     error.what());
+                     problem.c_str());
         return 2;
     }
     try {
