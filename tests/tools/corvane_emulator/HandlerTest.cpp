@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 
@@ -274,30 +273,6 @@ TEST(EmulatorHandler, AnswersEveryCommandOfTheCatalogueAndNoOther) {
         answered.insert(name);
     }
     EXPECT_EQ(catalogue, answered);
-}
-
-// A command that meets a store error answers code 1, and the log says what SQLite said.
-TEST(EmulatorHandler, AStoreErrorIsLoggedWithSqlitesMessage) {
-    const auto folder = std::filesystem::temp_directory_path() / "vanto-store-error";
-    std::filesystem::create_directories(folder);
-    const std::string database = (folder / "corvane.db").string();
-    {
-        Store store(database);
-        EventLog log((folder / "corvane.log").string());
-        Handler handler(store, {"Ada Byrne", {Workspace_, "", ""}, ""}, log);
-        const std::string session = boost::json::parse(handler.Handle("register", "{}").text)
-                                        .at("SessionId")
-                                        .as_string()
-                                        .c_str();
-        Database(database).Execute("DROP TABLE documents");
-        EXPECT_EQ(std::vector<std::int32_t>{1},
-                  Codes(handler.Handle("execute", Expand(Lock(Shaft).substr(8), session)).text));
-    }
-    std::ifstream log(folder / "corvane.log");
-    const std::string text((std::istreambuf_iterator<char>(log)), std::istreambuf_iterator<char>());
-    EXPECT_NE(std::string::npos, text.find("execute failed: ")) << text;
-    EXPECT_NE(std::string::npos, text.find("no such table: documents")) << text;
-    std::filesystem::remove_all(folder);
 }
 
 // A database written by this emulator, then marked as another emulator would have left it: the
