@@ -137,7 +137,7 @@ int Serve(ServeOptions options) {
         Server::RemoveEndpointFile(options.endpointFile, secret);
         log.Write("stop");
     } catch (const std::exception& error) {
-        log.Write(std::string("refused to serve: ") + error.what());
+        log.Write(std::string("cannot serve: ") + error.what());
         throw;
     }
     return 0;

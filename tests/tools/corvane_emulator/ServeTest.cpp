@@ -1,5 +1,6 @@
 // The emulator program as its users meet it: one per data folder, control actions checked, clients
 // that gave up or never had the secret, a damaged database, and its log.
+#include "Server.h"
 #include "Store.h"
 
 #include "connector/ConnectorLink.h"
@@ -131,6 +132,16 @@ TEST(EmulatorServe, SilentConnectionsNeitherCrowdOutAClientNorFillTheLog) {
                               R"({"Command":"GETSESSIONINFO","SessionId":")" + session + "\"}"));
     const fs::path log = info.at("CorvaneLogPath").as_string().c_str();
     EXPECT_EQ(log, info.at("CloudGatewayLogPath").as_string().c_str());
+    // Pushed out before the client came, all but the last few to wait: closed on them.
+    std::size_t closed = 0;
+    for (auto& socket : silent) {
+        char byte = 0;
+        boost::system::error_code error;
+        socket.non_blocking(true);
+        socket.read_some(boost::asio::buffer(&byte, 1), error);
+        closed += error == boost::asio::error::eof;
+    }
+    EXPECT_LE(300u - vanto::emulator::Server::MaxWaiting, closed);
     silent.clear();
     vanto::emulator::Database(Data(emulator) + "/corvane.db").Execute("DROP TABLE root_folders");
     link.Call(emulator.Endpoint(), "execute",
