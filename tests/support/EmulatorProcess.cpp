@@ -180,4 +180,14 @@ std::string EmulatorProcess::Control(const std::string& request) const {
     return link.Call(Endpoint(), "control", request);
 }
 
+std::string EmulatorProcess::StatusWithout(const std::string& piece) const {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    std::string status;
+    do {
+        status = Control(R"({"Action":"status"})");
+    } while (status.find(piece) != std::string::npos &&
+             std::chrono::steady_clock::now() < deadline);
+    return status;
+}
+
 } // namespace testsupport

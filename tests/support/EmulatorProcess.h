@@ -49,6 +49,8 @@ public:
     Corvane::Endpoint Endpoint() const;
     // One control action ({"Action": ...}) answered as text.
     std::string Control(const std::string& request) const;
+    // The status, asked for until it no longer holds `piece` (for a minute at most).
+    std::string StatusWithout(const std::string& piece) const;
 
 private:
     Options options_;
