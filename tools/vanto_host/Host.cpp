@@ -24,9 +24,7 @@ const Exchanges& Host::Sent() {
 }
 
 int Host::Print(Report report) {
-    if (!mock_ && (sessionNeeded_ || !Sent().Empty())) {
-        report.Connection(Sent().NotConnectedCause(sessionNeeded_)).Errors(Sent().Errors());
-    }
+    Diagnose(report);
     if (output_ == Output::Json) {
         report.PrintJson(stdout);
     } else {
@@ -35,6 +33,18 @@ int Host::Print(Report report) {
     std::fflush(stdout);
     report.PrintProblems(stderr);
     return report.ExitStatus();
+}
+
+int Host::Conclude(Report report) {
+    Diagnose(report);
+    report.PrintProblems(stderr);
+    return report.ExitStatus();
+}
+
+void Host::Diagnose(Report& report) {
+    if (!mock_ && (sessionNeeded_ || !Sent().Empty())) {
+        report.Connection(Sent().NotConnectedCause(sessionNeeded_)).Errors(Sent().Errors());
+    }
 }
 
 Progress::Progress(std::string what, std::size_t total)

@@ -41,8 +41,13 @@ public:
     // Prints the report as asked, with whether the connector was reached and its errors (on
     // standard error too), and gives its exit status.
     int Print(Report report);
+    // The same with the report's own output left out (its problems and exit status only).
+    int Conclude(Report report);
 
 private:
+    // Whether the connector was reached, and its errors.
+    void Diagnose(Report& report);
+
     Component& component_;
     bool mock_;
     Output output_;
