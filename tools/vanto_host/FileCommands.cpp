@@ -467,8 +467,7 @@ void AddContainerCommands(CLI::App& app, Runner& chosen, const std::shared_ptr<A
             std::int32_t status = a->status;
             Report report("GetAvailableContainers");
             report.Result(host.Files().GetAvailableContainers(&containers, &status))
-                .Given("statusName", "status", NumberText(protocol::CallerStatusNames, status))
-                .Member("status", status)
+                .Named("status", "status", status, NumberText(protocol::CallerStatusNames, status))
                 .Columns({{"containerName", "name"},
                           {"synchronised", "synchronised"},
                           {"localFilePath", "local folder"},
@@ -517,9 +516,8 @@ void AddContainerCommands(CLI::App& app, Runner& chosen, const std::shared_ptr<A
                    return host.Print(Report("AddProjectToSync")
                                          .Result(hr)
                                          .Given("project", "project", Json(a->text))
-                                         .Given("statusName", "status",
+                                         .Named("status", "status", status,
                                                 NumberText(protocol::CallerStatusNames, status))
-                                         .Member("status", status)
                                          .Field("taskId", "task",
                                                 answer != nullptr ? Json(TextOf(*answer, "TaskId"))
                                                                   : boost::json::value(nullptr)));

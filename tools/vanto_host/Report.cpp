@@ -96,6 +96,12 @@ Report& Report::Given(std::string key, std::string label, boost::json::value val
     return Field(std::move(key), std::move(label), std::move(value));
 }
 
+Report& Report::Named(std::string key, std::string label, std::int32_t number,
+                      boost::json::value name) {
+    Member(key, number);
+    return Given(key + "Name", std::move(label), std::move(name));
+}
+
 Report& Report::Columns(std::vector<Column> columns, Layout layout) {
     columns_ = std::move(columns);
     layout_ = layout;

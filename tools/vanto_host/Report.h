@@ -49,6 +49,9 @@ public:
     Report& Field(std::string key, std::string label, boost::json::value value);
     // A named value the caller gave, shown as it is.
     Report& Given(std::string key, std::string label, boost::json::value value);
+    // A protocol number the caller gave (or the call set on failure too): its name in the table,
+    // the number under `key` and the name under `key` + "Name" in JSON.
+    Report& Named(std::string key, std::string label, std::int32_t number, boost::json::value name);
     // The call's list; JSON member "items".
     Report& Columns(std::vector<Column> columns, Layout layout = Layout::Lines);
     Report& Row(boost::json::object row);
