@@ -155,6 +155,7 @@ Report& Report::Errors(const std::vector<ConnectorError>& errors) {
         }
         list.push_back(std::move(entry));
         problems_.push_back(std::move(line));
+        ++refusals_;
     }
     return Member("errors", std::move(list));
 }
@@ -180,6 +181,10 @@ int Report::ExitStatus() const {
         if (done < asked) {
             return ExitCode::Partly;
         }
+    }
+    // A success the connector refused something in: the component passed over its errors.
+    if (Succeeded() && refusals_ > 0) {
+        return ExitCode::Partly;
     }
     return Succeeded() ? ExitCode::Done : ExitCode::Failed;
 }

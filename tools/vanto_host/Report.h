@@ -21,7 +21,7 @@ enum : int {
     Done = 0,         // the operation did what was asked
     Failed = 1,       // it failed, did none of it, or answered false
     Usage = 2,        // the command line was wrong; nothing was sent
-    Partly = 3,       // done, but refused in part
+    Partly = 3,       // done, but refused in part (the connector answered errors)
     NotConnected = 4, // no working connection to the connector: what was sent may be unknown
 };
 } // namespace ExitCode
@@ -97,6 +97,7 @@ private:
     std::optional<std::pair<std::size_t, std::size_t>> done_;
     std::optional<std::string> cause_;
     std::vector<std::string> problems_;
+    std::size_t refusals_ = 0;
 };
 
 // One cell as a table shows it: texts as they are ("-" when empty), yes/no, numbers, lists joined,

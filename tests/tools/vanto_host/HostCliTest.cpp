@@ -378,6 +378,8 @@ TEST_F(HostCli, TheConnectorsRefusalsAreToldWithTheirCodeAndHolder) {
                InOutput,
                "error 8 ObjectNotFoundInModel: /nonexistent/a\\.par"},
               {{"checkout", cover}, 1, "cover\\.par .* refused: 12 AccessDenied\n"},
+              // A success of the component's that passed over the connector's refusal.
+              {{"status", missing}, 3, "", InOutput, "error 8 ObjectNotFoundInModel"},
               {{"checkout", shaft}, 0},
               {{"--json", "checkin", shaft, housing},
                3,
