@@ -63,49 +63,37 @@ constexpr const char* UnknownOutcome =
     "the connector did not answer: whether it changed the locks is unknown; "
     "'vanto_host lock-status PATH...' tells";
 
+// The lock of each file, as the component filled it; `more` adds to the columns and each row.
+template <class More>
 Report LockReport(const char* operation, HRESULT hr, const FileLockStatusMap& files,
-                  bool withNewVersion) {
+                  std::vector<Column> moreColumns, More more) {
     Report report(operation);
-    report.Result(hr);
     std::vector<Column> columns{{"path", "path"},
                                 {"checkedOut", "checked out"},
                                 {"checkedOutByMe", "by me"},
                                 {"checkedOutBy", "holder"}};
-    if (withNewVersion) {
-        columns.push_back({"newVersionAvailable", "newer version"});
-    }
-    report.Columns(columns);
+    columns.insert(columns.end(), moreColumns.begin(), moreColumns.end());
+    report.Result(hr).Columns(std::move(columns));
     for (const auto& [path, lock] : files) {
         boost::json::object row{{"path", Json(path)},
                                 {"checkedOut", lock.isCheckedOut},
                                 {"checkedOutByMe", lock.isCheckedOutByCurrentUser},
                                 {"checkedOutBy", Json(lock.checkedOutBy)}};
-        if (withNewVersion) {
-            row["newVersionAvailable"] = lock.isNewVersionAvailable;
-        }
+        more(path.Narrow(), lock, row);
         report.Row(std::move(row));
     }
     return report;
 }
 
 Report CheckOutReport(HRESULT hr, const FileLockStatusMap& files, const Exchanges& sent) {
-    Report report("CheckOut");
-    report.Result(hr).Columns({{"path", "path"},
-                               {"checkedOut", "checked out"},
-                               {"checkedOutByMe", "by me"},
-                               {"checkedOutBy", "holder"},
-                               {"outcome", "outcome"}});
     const auto refused = RefusedPaths(sent);
     std::size_t done = 0;
-    for (const auto& [path, lock] : files) {
-        const std::string name = path.Narrow();
-        done += lock.isCheckedOutByCurrentUser ? 1 : 0;
-        report.Row({{"path", Json(name)},
-                    {"checkedOut", lock.isCheckedOut},
-                    {"checkedOutByMe", lock.isCheckedOutByCurrentUser},
-                    {"checkedOutBy", Json(lock.checkedOutBy)},
-                    {"outcome", Outcome(name, lock, refused)}});
-    }
+    Report report = LockReport(
+        "CheckOut", hr, files, {{"outcome", "outcome"}},
+        [&](const std::string& path, const FileLockStatus& lock, boost::json::object& row) {
+            done += lock.isCheckedOutByCurrentUser ? 1 : 0;
+            row["outcome"] = Outcome(path, lock, refused);
+        });
     if (sent.AnswerMissing()) {
         report.Note(UnknownOutcome);
     }
@@ -234,14 +222,24 @@ void AddLockCommands(CLI::App& app, Runner& chosen, const std::shared_ptr<Argume
                          }),
              a->paths);
 
-    CLI::App* lockStatus =
-        AddCommand(app, "lock-status", "who holds each file's lock (GetCheckOutStatus)",
-                   Needs::Session, chosen, [a](Host& host) {
-                       FileLockStatusMap files = LockMap(a->paths);
-                       const HRESULT hr = host.Files().GetCheckOutStatus(&files, a->flag);
-                       Report report = LockReport("GetCheckOutStatus", hr, files, a->flag);
-                       return host.Print(hr == S_OK ? report : report.Unfilled());
-                   });
+    CLI::App* lockStatus = AddCommand(
+        app, "lock-status", "who holds each file's lock (GetCheckOutStatus)", Needs::Session,
+        chosen, [a](Host& host) {
+            FileLockStatusMap files = LockMap(a->paths);
+            const HRESULT hr = host.Files().GetCheckOutStatus(&files, a->flag);
+            std::vector<Column> more;
+            if (a->flag) {
+                more.push_back({"newVersionAvailable", "newer version"});
+            }
+            Report report = LockReport(
+                "GetCheckOutStatus", hr, files, more,
+                [&](const std::string&, const FileLockStatus& lock, boost::json::object& row) {
+                    if (a->flag) {
+                        row["newVersionAvailable"] = lock.isNewVersionAvailable;
+                    }
+                });
+            return host.Print(hr == S_OK ? report : report.Unfilled());
+        });
     AddPaths(*lockStatus, a->paths);
     lockStatus->add_flag("--new-version", a->flag, "also ask whether a newer version exists");
 
