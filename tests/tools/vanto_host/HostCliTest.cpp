@@ -371,12 +371,12 @@ TEST_F(HostCli, StructureAsListTreeWhereUsedAndGraph) {
 }
 
 TEST_F(HostCli, TheConnectorsRefusalsAreToldWithTheirCodeAndHolder) {
-    const std::string missing = "/nonexistent/a.par";
+    const std::string missing = Doc("Gearbox/missing.par");
     RunSteps({{{"lock-status", housing, missing},
                1,
                "housing\\.psm +unknown +unknown +unknown\n",
                InOutput,
-               "error 8 ObjectNotFoundInModel: /nonexistent/a\\.par"},
+               "error 8 ObjectNotFoundInModel: \\S*missing\\.par"},
               {{"checkout", cover}, 1, "cover\\.par .* refused: 12 AccessDenied\n"},
               // A success of the component's that passed over the connector's refusal.
               {{"status", missing}, 3, "", InOutput, "error 8 ObjectNotFoundInModel"},
