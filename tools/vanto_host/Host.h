@@ -22,8 +22,9 @@ enum class Output { Table, Json };
 
 class Host {
 public:
-    Host(Component& component, bool mock, Output output)
-        : component_(component), mock_(mock), output_(output) {}
+    // The trace outlives the component, whose release still calls the connector.
+    Host(Component& component, ConnectorTrace& trace, bool mock, Output output)
+        : component_(component), trace_(trace), mock_(mock), output_(output) {}
 
     IVANTOSession& Session() { return component_.Session(); }
     IVANTOFileServices& Files() { return component_.Files(); }
@@ -49,11 +50,11 @@ private:
     void Diagnose(Report& report);
 
     Component& component_;
+    ConnectorTrace& trace_;
     bool mock_;
     Output output_;
     bool skipRegistration_ = false;
     bool sessionNeeded_ = false;
-    ConnectorTrace trace_;
     Exchanges sent_;
 };
 

@@ -141,8 +141,9 @@ int main(int argc, char** argv) {
         options.module = DefaultModulePath(arguments.empty() ? std::string() : arguments[0]);
     }
 
+    ConnectorTrace trace;
     Component component(options.module, options.mock);
-    Host host(component, options.mock, options.json ? Output::Json : Output::Table);
+    Host host(component, trace, options.mock, options.json ? Output::Json : Output::Table);
     if (app.got_subcommand("load")) {
         return host.Print(component.LoadReport());
     }
