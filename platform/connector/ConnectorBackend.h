@@ -19,6 +19,10 @@ public:
     virtual bool IsReady() = 0;
     virtual void LaunchApplication(const Core::TevString& arguments) = 0;
 
+    // Why the last of IsRunning and IsReady answered false, as the communication exception would
+    // have said it; empty when not known.
+    virtual Core::TevString LastFailure() { return Core::TevString(); }
+
     // False makes CreateCorvaneProxy hand out no proxy (a test seam; the library always does).
     virtual bool ProxyAvailable() { return true; }
 };

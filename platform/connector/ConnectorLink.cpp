@@ -239,13 +239,12 @@ bool ConnectorLink::Alive() noexcept {
     return true;
 }
 
-bool ConnectorLink::Reaches(const Endpoint& endpoint) noexcept {
+void ConnectorLink::Open(const Endpoint& endpoint) {
     try {
         Connect(endpoint, Clock::now() + timeout_);
-        return true;
     } catch (...) {
         Close();
-        return false;
+        throw;
     }
 }
 

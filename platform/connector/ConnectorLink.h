@@ -41,8 +41,8 @@ public:
     ConnectorLink& operator=(const ConnectorLink&) = delete;
 
     std::string Call(const Endpoint& endpoint, std::string_view operation, std::string_view body);
-    // Only connects and shakes hands (within the deadline); false on any failure.
-    bool Reaches(const Endpoint& endpoint) noexcept;
+    // Only connects and shakes hands (within the deadline); fails as Call does.
+    void Open(const Endpoint& endpoint);
     void Close() noexcept;
     // Whether a connection is open and its other end has not closed it (closes it if so).
     bool Alive() noexcept;

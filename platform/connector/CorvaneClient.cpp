@@ -3,6 +3,13 @@
 #include "connector/ConnectorBackend.h"
 #include "connector/EmulatorConnector.h"
 
+#include "os/Process.h"
+#include "os/TextConversion.h"
+
+#include <boost/json.hpp>
+
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <vector>
 
@@ -15,17 +22,62 @@ ConnectorBackend*& InstalledBackend() {
     return backend;
 }
 
+void AppendTrace(boost::json::object line) {
+    // Read once: the file is the process's for its whole life.
+    static const std::string file =
+        platform::os::WideToUtf8(platform::os::EnvironmentValue(L"VANTO_CORVANE_TRACE"));
+    if (file.empty()) {
+        return;
+    }
+    std::ofstream out(std::filesystem::u8path(file), std::ios::app | std::ios::binary);
+    out << boost::json::serialize(line) << '\n';
+}
+
+// Runs one call of the backend and traces it, answered or thrown.
+template <class Send>
+Core::TevString Traced(const char* call, const Core::TevString& input, Send send) {
+    boost::json::object line{{"Call", call},
+                             {"Request", boost::json::string_view(input.c_str(), input.size())}};
+    try {
+        Core::TevString answer = send();
+        line["Answer"] = boost::json::string_view(answer.c_str(), answer.size());
+        AppendTrace(std::move(line));
+        return answer;
+    } catch (const CorvaneCommunicationException& e) {
+        line["Failure"] = e.what();
+        AppendTrace(std::move(line));
+        throw;
+    }
+}
+
+// Runs one application query and traces it; a false answer with its reason.
+bool TracedQuery(const char* call, bool (ConnectorBackend::*query)()) {
+    ConnectorBackend& backend = CurrentConnectorBackend();
+    const bool yes = (backend.*query)();
+    boost::json::object line{{"Call", call}, {"Answer", yes ? "true" : "false"}};
+    if (!yes) {
+        const Core::TevString why = backend.LastFailure();
+        line["Failure"] = boost::json::string_view(why.c_str(), why.size());
+    }
+    AppendTrace(std::move(line));
+    return yes;
+}
+
 class Proxy final : public ICorvaneProxy {
 public:
     void Reserved() override {}
     Core::TevString Execute(const Core::TevString& input) override {
-        return CurrentConnectorBackend().Execute(input);
+        return Traced("execute", input, [&] { return CurrentConnectorBackend().Execute(input); });
     }
     Core::TevString RegisterClient(const Core::TevString& input) override {
-        return CurrentConnectorBackend().RegisterClient(input);
+        return Traced("register", input,
+                      [&] { return CurrentConnectorBackend().RegisterClient(input); });
     }
     void DeRegisterClient(const Core::TevString& input) override {
-        CurrentConnectorBackend().DeRegisterClient(input);
+        Traced("deregister", input, [&] {
+            CurrentConnectorBackend().DeRegisterClient(input);
+            return Core::TevString();
+        });
     }
 };
 
@@ -58,10 +110,10 @@ bool CorvaneApplication::IsInstalled() {
     return CurrentConnectorBackend().IsInstalled();
 }
 bool CorvaneApplication::IsRunning() {
-    return CurrentConnectorBackend().IsRunning();
+    return TracedQuery("running", &ConnectorBackend::IsRunning);
 }
 bool CorvaneApplication::IsReady() {
-    return CurrentConnectorBackend().IsReady();
+    return TracedQuery("ready", &ConnectorBackend::IsReady);
 }
 void CorvaneApplication::LaunchApplication(const Core::TevString& arguments) {
     CurrentConnectorBackend().LaunchApplication(arguments);

@@ -1,5 +1,9 @@
 // Stand-in for the connector's client library: the proxy, its factory, the application queries
 // and the communication exception. Every call goes to the installed ConnectorBackend.
+//
+// Like the library's own diagnostic trace, VANTO_CORVANE_TRACE names a file that each proxy call
+// is appended to as one JSON line: {"Call": "execute", "Request": text, "Answer": text}, or
+// "Failure" with the communication exception's message in place of "Answer".
 #pragma once
 
 #include "core/AllocatableObject.h"

@@ -64,19 +64,35 @@ std::wstring EmulatorConnector::EndpointFile() {
     return folder.empty() ? std::wstring() : folder + Separator + L"endpoint.json";
 }
 
+Endpoint EmulatorConnector::RequireEndpoint(const std::wstring& file) {
+    const std::optional<Endpoint> endpoint = ReadEndpointFile(file);
+    if (!endpoint) {
+        throw CorvaneCommunicationException("Corvane connector: no endpoint (no readable file " +
+                                            platform::os::WideToUtf8(file) + ")");
+    }
+    return *endpoint;
+}
+
 std::string EmulatorConnector::Call(const char* operation, const Core::TevString& body) {
     // The endpoint file is read again only when there is no live connection to the emulator it
     // named (a restarted emulator has a new port and secret, and its old connection is closed).
     const std::wstring file = EndpointFile();
     if (!endpoint_ || file != endpointFile_ || !link_.Alive()) {
-        endpoint_ = ReadEndpointFile(file);
+        endpoint_.reset();
         endpointFile_ = file;
-    }
-    if (!endpoint_) {
-        throw CorvaneCommunicationException("Corvane connector: no endpoint (no readable file " +
-                                            platform::os::WideToUtf8(file) + ")");
+        endpoint_ = RequireEndpoint(file);
     }
     return link_.Call(*endpoint_, operation, body);
+}
+
+template <class Query> bool EmulatorConnector::Ask(Query query) {
+    try {
+        lastFailure_.clear();
+        return query();
+    } catch (const std::exception& e) {
+        lastFailure_ = e.what();
+        return false;
+    }
 }
 
 Core::TevString EmulatorConnector::Execute(const Core::TevString& input) {
@@ -100,21 +116,16 @@ bool EmulatorConnector::IsInstalled() {
 }
 
 bool EmulatorConnector::IsRunning() {
-    try {
-        const auto endpoint = ReadEndpointFile(EndpointFile());
-        return endpoint && queries_.Reaches(*endpoint);
-    } catch (...) {
-        return false;
-    }
+    return Ask([this] {
+        queries_.Open(RequireEndpoint(EndpointFile()));
+        return true;
+    });
 }
 
 bool EmulatorConnector::IsReady() {
-    try {
-        const auto endpoint = ReadEndpointFile(EndpointFile());
-        return endpoint && queries_.Call(*endpoint, "ready", "") == R"({"Ready":true})";
-    } catch (...) {
-        return false;
-    }
+    return Ask([this] {
+        return queries_.Call(RequireEndpoint(EndpointFile()), "ready", "") == R"({"Ready":true})";
+    });
 }
 
 void EmulatorConnector::LaunchApplication(const Core::TevString& arguments) {

@@ -33,6 +33,7 @@ public:
     bool IsRunning() override;
     bool IsReady() override;
     void LaunchApplication(const Core::TevString& arguments) override;
+    Core::TevString LastFailure() override { return lastFailure_; }
 
     static std::wstring ProgramPath();
     static std::wstring DataFolder();
@@ -40,11 +41,16 @@ public:
 
 private:
     std::string Call(const char* operation, const Core::TevString& body);
+    // The endpoint the file names; throws the no-endpoint exception when there is none.
+    static Endpoint RequireEndpoint(const std::wstring& file);
+    // Runs an application query: false, with the failure kept, on any exception.
+    template <class Query> bool Ask(Query query);
 
     ConnectorLink link_;
     ConnectorLink queries_;
     std::optional<Endpoint> endpoint_;
     std::wstring endpointFile_;
+    std::string lastFailure_;
 };
 
 } // namespace Corvane

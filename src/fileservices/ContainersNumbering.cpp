@@ -15,9 +15,6 @@ using Corvane::CommandIO::DataManagement::MCAD::CorvaneGetNextIdInput;
 using Corvane::CommandIO::DataManagement::MCAD::CorvaneGetNextRevisionIdInput;
 using Corvane::DataTypes::CorvaneDesignIdentifier;
 
-// Container types a host chooses from.
-enum ContainerType : std::int32_t { ContainerTypeProject = 0, ContainerTypeLibrary = 2 };
-
 // The property each numbering command generates.
 constexpr const char* ItemNumberProperty = "number";
 constexpr const char* RevisionIdProperty = "revid";
@@ -82,8 +79,8 @@ HRESULT STDMETHODCALLTYPE VANTOManager::VANTOFileServices::GetAvailableContainer
     const Target<std::int32_t> commandStatus(status);
     return frame.Guard(E_FAIL, [&] {
         CorvaneGetAvailableContainersInput input;
-        input.ContainerType.push_back(ContainerTypeProject);
-        input.ContainerType.push_back(ContainerTypeLibrary);
+        input.ContainerType.push_back(vanto::protocol::ContainerType::Project);
+        input.ContainerType.push_back(vanto::protocol::ContainerType::Library);
         input.ReturnUnsynched = false;
         const auto output = frame.Execute(input);
         if (frame.Failed(output, L"ERROR WHILE GETTING CORVANE CONTAINER INFORMATION.",

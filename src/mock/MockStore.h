@@ -4,6 +4,7 @@
 
 #include "VANTO.h"
 #include "log/Guard.h"
+#include "mock/MockInput.h"
 
 #include <cstddef>
 #include <map>
@@ -35,12 +36,6 @@ struct MockStore {
     GUserText userName;
 };
 
-// The input file, as a Windows path (os/Paths.h maps it elsewhere).
-inline constexpr const wchar_t* InputFilePath = L"Z:\\PDM\\VANTO\\Dev\\VANTOInput.xml";
-
-// Deeper element nesting than this marks an input file as malformed.
-inline constexpr std::size_t MaxInputNesting = 256;
-
 // The store, read from the input file by the first call. Null only when it cannot be allocated;
 // an unreadable or malformed file leaves it empty (or with what was taken over before the fault).
 MockStore* Store() noexcept;
@@ -56,11 +51,6 @@ template <class Answer> HRESULT AnswerFromStore(Answer answer) noexcept {
 
 // Fills `store` from the text of an input file. Never throws; stops at the first fault.
 void ReadInput(std::string_view xml, MockStore& store) noexcept;
-
-// How deep Boost's XML reader would nest elements reading `xml`, counted up to where it would
-// end or fail. The reader recurses once per level; this follows its rules for markup in one flat
-// pass, so that too deep a file can be refused before the reader runs.
-std::size_t DeepestNesting(std::string_view xml);
 
 // The HRESULT an "ErrorCode" name stands for; 0 for a name that is not known.
 HRESULT ErrorCodeFromName(const GUserText& name);

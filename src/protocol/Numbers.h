@@ -1,6 +1,7 @@
 // The connector's numbers as they travel in requests and answers: return codes, identifier and
-// object types, search values, permission levels and the status a caller is given. The component,
-// the emulator, the host tool and the tests all name them from here; none spells a bare number.
+// object and container types, search values, permission levels and the status a caller is given.
+// The component, the emulator, the host tool and the tests all name them from here; none spells a
+// bare number.
 #pragma once
 
 #include <cstdint>
@@ -54,6 +55,14 @@ enum : std::int32_t {
 };
 } // namespace ObjectType
 
+// "ContainerType" of a container: the kinds a host chooses from.
+namespace ContainerType {
+enum : std::int32_t {
+    Project = 0,
+    Library = 2,
+};
+} // namespace ContainerType
+
 // "ComparisionOp" of a search term and "Operator" of a search definition.
 namespace Search {
 inline constexpr std::int32_t CompareEquals = 0;
@@ -78,6 +87,7 @@ enum : std::int32_t {
 
 // What a caller's status argument is set to when the connector does not support the command.
 namespace CallerStatus {
+inline constexpr std::int32_t Unchanged = 0; // what a caller passes in
 inline constexpr std::int32_t CommandNotSupported = 3;
 } // namespace CallerStatus
 

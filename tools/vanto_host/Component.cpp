@@ -1,6 +1,14 @@
 #include "Component.h"
 
+#include "mock/MockInput.h"
+#include "os/Paths.h"
+#include "os/TextConversion.h"
+
+#include <boost/property_tree/ptree.hpp>
+#include <boost/property_tree/xml_parser.hpp>
+
 #include <filesystem>
+#include <sstream>
 
 namespace vanto::host {
 
@@ -27,6 +35,29 @@ std::string DefaultModulePath(const std::string& program) {
     const std::string beside = folder + "/" + VANTO_MODULE_FILE;
     std::error_code error;
     return std::filesystem::exists(beside, error) ? beside : folder + "/" + VANTO_INSTALLED_MODULE;
+}
+
+std::string MockInputProblem() {
+    const std::string file =
+        "mock input " + platform::os::WideToUtf8(platform::os::NativePath(mock::InputFilePath));
+    std::string xml;
+    if (!platform::os::ReadWholeFile(mock::InputFilePath, xml)) {
+        return file + " cannot be read: the mock answers as if it were empty";
+    }
+    if (mock::DeepestNesting(xml) > mock::MaxInputNesting) {
+        return file + " nests elements more than " + std::to_string(mock::MaxInputNesting) +
+               " deep: the mock answers as if it were empty";
+    }
+    try {
+        std::istringstream stream{xml};
+        boost::property_tree::ptree document;
+        boost::property_tree::read_xml(stream, document,
+                                       boost::property_tree::xml_parser::no_comments);
+    } catch (const boost::property_tree::xml_parser_error& error) {
+        return file + " is malformed (line " + std::to_string(error.line()) + ": " +
+               error.message() + "): the mock answers as if it were empty";
+    }
+    return std::string();
 }
 
 Component::Component(const std::string& modulePath, bool mock)

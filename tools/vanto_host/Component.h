@@ -42,6 +42,10 @@ private:
     std::string error_;
 };
 
+// Why the mock answers from an empty store (its input file is missing, malformed or nested too
+// deep), or empty text when the file is fine.
+std::string MockInputProblem();
+
 // The module beside the program (the build tree), else where the install puts it.
 std::string DefaultModulePath(const std::string& program);
 

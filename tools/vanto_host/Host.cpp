@@ -9,24 +9,42 @@
 namespace vanto::host {
 
 void Host::Register() {
-    if (registered_ || mock_) {
+    if (sessionNeeded_ || mock_) {
         return;
     }
-    registered_ = true;
-    if (!Session().IsConnected(false)) {
-        std::fprintf(stderr, "vanto_host: not connected: the connector did not register this "
-                             "process; the call below gives its not-connected result\n");
+    sessionNeeded_ = true;
+    if (!skipRegistration_) {
+        Session().IsConnected(false);
     }
 }
 
-int Host::Print(const Report& report) const {
+const Exchanges& Host::Sent() {
+    trace_.ReadInto(sent_);
+    return sent_;
+}
+
+int Host::Print(Report report) {
+    Diagnose(report);
     if (output_ == Output::Json) {
         report.PrintJson(stdout);
     } else {
         report.PrintTable(stdout);
     }
     std::fflush(stdout);
+    report.PrintProblems(stderr);
     return report.ExitStatus();
+}
+
+int Host::Conclude(Report report) {
+    Diagnose(report);
+    report.PrintProblems(stderr);
+    return report.ExitStatus();
+}
+
+void Host::Diagnose(Report& report) {
+    if (!mock_ && (sessionNeeded_ || !Sent().Empty())) {
+        report.Connection(Sent().NotConnectedCause(sessionNeeded_)).Errors(Sent().Errors());
+    }
 }
 
 Progress::Progress(std::string what, std::size_t total)

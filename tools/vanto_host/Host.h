@@ -3,9 +3,11 @@
 #pragma once
 
 #include "Component.h"
+#include "Exchanges.h"
 #include "Report.h"
 
 #include "host/GUserText.h"
+#include "protocol/NumberNames.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,8 +22,9 @@ enum class Output { Table, Json };
 
 class Host {
 public:
-    Host(Component& component, bool mock, Output output)
-        : component_(component), mock_(mock), output_(output) {}
+    // The trace outlives the component, whose release still calls the connector.
+    Host(Component& component, ConnectorTrace& trace, bool mock, Output output)
+        : component_(component), trace_(trace), mock_(mock), output_(output) {}
 
     IVANTOSession& Session() { return component_.Session(); }
     IVANTOFileServices& Files() { return component_.Files(); }
@@ -31,16 +34,28 @@ public:
     // of this program is a new process, so a command that needs the session does it first. Not
     // done on the mock, which needs no session, nor with --no-connect.
     void Register();
-    void SkipRegistration() { registered_ = true; }
+    void SkipRegistration() { skipRegistration_ = true; }
 
-    // Prints the report as asked and gives its exit status.
-    int Print(const Report& report) const;
+    // What the connector was asked and answered so far in this run.
+    const Exchanges& Sent();
+
+    // Prints the report as asked, with whether the connector was reached and its errors (on
+    // standard error too), and gives its exit status.
+    int Print(Report report);
+    // The same with the report's own output left out (its problems and exit status only).
+    int Conclude(Report report);
 
 private:
+    // Whether the connector was reached, and its errors.
+    void Diagnose(Report& report);
+
     Component& component_;
+    ConnectorTrace& trace_;
     bool mock_;
     Output output_;
-    bool registered_ = false;
+    bool skipRegistration_ = false;
+    bool sessionNeeded_ = false;
+    Exchanges sent_;
 };
 
 // "where-used 120/3000" on standard error while work that sends many commands goes on, when
@@ -70,6 +85,21 @@ inline boost::json::value Json(const GUserText& text) {
 }
 inline boost::json::value Json(const std::string& text) {
     return boost::json::value(boost::json::string_view(text));
+}
+
+// A protocol number by its name in `names`, or as the number when it has none.
+template <std::size_t N>
+boost::json::value NumberText(const protocol::NumberName (&names)[N], std::int32_t number) {
+    const char* name = protocol::NameOf(names, number);
+    return Json(name != nullptr ? std::string(name) : std::to_string(number));
+}
+// A protocol number in a row: the number under `key`, its name under `key` + "Name" (the member
+// a table column shows).
+template <std::size_t N>
+void PutNamed(boost::json::object& row, const std::string& key, std::int32_t number,
+              const protocol::NumberName (&names)[N]) {
+    row[key] = number;
+    row[key + "Name"] = NumberText(names, number);
 }
 
 // ---- subcommands -------------------------------------------------------------------------------

@@ -1,5 +1,7 @@
 #include "Report.h"
 
+#include "protocol/NumberNames.h"
+
 #include <algorithm>
 #include <cstdint>
 
@@ -60,7 +62,7 @@ std::string CellText(const boost::json::value& value) {
     case boost::json::kind::bool_:
         return value.get_bool() ? "yes" : "no";
     case boost::json::kind::null:
-        return "-";
+        return "unknown";
     case boost::json::kind::array: {
         std::string joined;
         for (const boost::json::value& item : value.get_array()) {
@@ -89,6 +91,17 @@ Report& Report::Field(std::string key, std::string label, boost::json::value val
     return *this;
 }
 
+Report& Report::Given(std::string key, std::string label, boost::json::value value) {
+    given_.push_back(key);
+    return Field(std::move(key), std::move(label), std::move(value));
+}
+
+Report& Report::Named(std::string key, std::string label, std::int32_t number,
+                      boost::json::value name) {
+    Member(key, number);
+    return Given(key + "Name", std::move(label), std::move(name));
+}
+
 Report& Report::Columns(std::vector<Column> columns, Layout layout) {
     columns_ = std::move(columns);
     layout_ = layout;
@@ -110,14 +123,111 @@ Report& Report::Text(std::string text) {
     return *this;
 }
 
+Report& Report::Unfilled() {
+    unfilled_ = true;
+    return *this;
+}
+
+Report& Report::Done(std::size_t done, std::size_t asked) {
+    done_.emplace(done, asked);
+    return *this;
+}
+
+Report& Report::Connection(std::string cause) {
+    cause_ = std::move(cause);
+    return *this;
+}
+
+Report& Report::Errors(const std::vector<ConnectorError>& errors) {
+    boost::json::array list;
+    for (const ConnectorError& error : errors) {
+        const char* name = protocol::NameOf(protocol::ReturnCodeNames, error.code);
+        boost::json::object entry{{"code", error.code},
+                                  {"name", name != nullptr ? name : ""},
+                                  {"ids", boost::json::value_from(error.ids)}};
+        std::string line = "error " + ReturnCodeText(error.code);
+        for (std::size_t i = 0; i < error.ids.size(); ++i) {
+            line += (i == 0 ? ": " : ", ") + error.ids[i];
+        }
+        if (!error.holder.empty()) {
+            entry["holder"] = error.holder;
+            line += " (held by " + error.holder + ")";
+        }
+        list.push_back(std::move(entry));
+        problems_.push_back(std::move(line));
+        ++refusals_;
+    }
+    return Member("errors", std::move(list));
+}
+
+Report& Report::Note(std::string text) {
+    problems_.push_back(std::move(text));
+    return *this;
+}
+
+bool Report::Succeeded() const {
+    return (!hr_ || *hr_ == S_OK) && (!answer_ || *answer_) && (!cause_ || cause_->empty());
+}
+
 int Report::ExitStatus() const {
-    if (hr_) {
-        return *hr_ == S_OK ? 0 : 1;
+    if (cause_ && !cause_->empty()) {
+        return ExitCode::NotConnected;
     }
-    if (answer_) {
-        return *answer_ ? 0 : 1;
+    if (done_) {
+        const auto [done, asked] = *done_;
+        if (done == 0 && asked > 0) {
+            return ExitCode::Failed;
+        }
+        if (done < asked) {
+            return ExitCode::Partly;
+        }
     }
-    return 0;
+    // A success the connector refused something in: the component passed over its errors.
+    if (Succeeded() && refusals_ > 0) {
+        return ExitCode::Partly;
+    }
+    return Succeeded() ? ExitCode::Done : ExitCode::Failed;
+}
+
+boost::json::object Report::Values() const {
+    boost::json::object values = values_;
+    const bool filled = (!hr_ || *hr_ == S_OK) && (!cause_ || cause_->empty());
+    for (const Column& field : fields_) {
+        if (!filled && std::find(given_.begin(), given_.end(), field.key) == given_.end()) {
+            values[field.key] = nullptr;
+        }
+    }
+    if (cause_) {
+        values["connected"] = cause_->empty();
+        if (!cause_->empty()) {
+            values["cause"] = *cause_;
+        }
+    }
+    return values;
+}
+
+boost::json::array Report::Rows() const {
+    if (!unfilled_ && (!cause_ || cause_->empty())) {
+        return rows_;
+    }
+    boost::json::array rows = rows_;
+    for (boost::json::value& row : rows) {
+        for (auto& cell : row.get_object()) {
+            if (columns_.empty() || cell.key() != columns_.front().key) {
+                cell.value() = nullptr;
+            }
+        }
+    }
+    return rows;
+}
+
+void Report::PrintProblems(std::FILE* out) const {
+    if (cause_ && !cause_->empty()) {
+        std::fprintf(out, "vanto_host: not connected: %s\n", cause_->c_str());
+    }
+    for (const std::string& problem : problems_) {
+        std::fprintf(out, "vanto_host: %s\n", problem.c_str());
+    }
 }
 
 void Report::PrintTable(std::FILE* out) const {
@@ -129,18 +239,20 @@ void Report::PrintTable(std::FILE* out) const {
     }
     std::fprintf(out, "%s: %s\n", operation_.c_str(), result.c_str());
 
+    const boost::json::object values = Values();
+    const boost::json::array rows = Rows();
     std::size_t labelWidth = 0;
     for (const Column& field : fields_) {
         labelWidth = std::max(labelWidth, DisplayWidth(field.header));
     }
     for (const Column& field : fields_) {
         std::fprintf(out, "  %s  %s\n", Padded(field.header, labelWidth).c_str(),
-                     CellText(values_.at(field.key)).c_str());
+                     CellText(values.at(field.key)).c_str());
     }
 
-    if (!columns_.empty() && !rows_.empty()) {
+    if (!columns_.empty() && !rows.empty()) {
         std::vector<std::vector<std::string>> cells;
-        for (const boost::json::value& row : rows_) {
+        for (const boost::json::value& row : rows) {
             std::vector<std::string> line;
             for (const Column& column : columns_) {
                 const boost::json::value* cell = row.get_object().if_contains(column.key);
@@ -192,11 +304,11 @@ void Report::PrintJson(std::FILE* out) const {
     } else if (answer_) {
         document["result"] = *answer_;
     }
-    for (const auto& member : values_) {
+    for (const auto& member : Values()) {
         document[member.key()] = member.value();
     }
     if (!columns_.empty()) {
-        document["items"] = rows_;
+        document["items"] = Rows();
     }
     std::fprintf(out, "%s\n", boost::json::serialize(document).c_str());
 }

@@ -31,6 +31,7 @@ void AddSessionCommands(CLI::App& app, Runner& chosen) {
                                          .Field("timedOut", "timed out", timedOut));
                })
         ->add_option("--timeout", *timeout, "milliseconds to wait")
+        ->check(CLI::NonNegativeNumber)
         ->capture_default_str();
 
     AddCommand(

@@ -114,7 +114,7 @@ int PrintGraph(Host& host, const char* operation, const std::vector<std::string>
         }
         graph += "}\n";
         std::fputs(graph.c_str(), stdout);
-        return walk.Result() == S_OK ? 0 : 1;
+        return host.Conclude(Report(operation).Result(walk.Result()));
     }
     std::string text;
     for (const boost::json::value& tree : trees) {

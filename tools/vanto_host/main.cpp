@@ -1,6 +1,6 @@
 // vanto_host: the component driven from the command line, loaded exactly as a host loads it. One
 // subcommand per operation of the session and file-services interfaces; `vanto_host --help` lists
-// them. Exit status: 0 for S_OK or true, 1 for a failure or false, 2 for a usage error.
+// them and the exit statuses (Report.h, ExitCode).
 #include "Component.h"
 #include "Host.h"
 
@@ -11,16 +11,27 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <limits>
 #include <string>
 #include <vector>
 
 namespace {
+
+constexpr const char* ExitCodesText =
+    "Exit status:\n"
+    "  0  done as asked (S_OK, true)\n"
+    "  1  failed, none of it done, or false\n"
+    "  2  usage error: nothing was sent\n"
+    "  3  done, but refused in part (the errors are on standard error)\n"
+    "  4  not connected to the connector (not reached, offline, signed out) or it did not\n"
+    "     answer: what a lock or unlock changed is then unknown";
 
 struct Options {
     bool mock = false;
     bool json = false;
     bool log = false;
     bool noConnect = false;
+    int callTimeout = 0;
     std::string module;
     std::string data;
 };
@@ -87,6 +98,11 @@ int main(int argc, char** argv) {
         ->check(PathCheck());
     app.add_flag("--no-connect", options.noConnect,
                  "do not register with the connector before a command that needs the session");
+    app.add_option("--call-timeout", options.callTimeout,
+                   "milliseconds each call to the connector may take (default 10000; sets "
+                   "VANTO_CORVANE_TIMEOUT_MS)")
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    app.footer(ExitCodesText);
 
     Runner chosen;
     AddLoadCommand(app, chosen);
@@ -105,7 +121,7 @@ int main(int argc, char** argv) {
         }
         std::fprintf(stderr, "vanto_host: %s\nRun 'vanto_host%s --help' for more information.\n",
                      UsageProblem(app, error).c_str(), CommandPath(app).c_str());
-        return 2;
+        return ExitCode::Usage;
     }
 
     if (options.log) {
@@ -116,19 +132,29 @@ int main(int argc, char** argv) {
     if (!options.data.empty()) {
         platform::os::SetRuntimeEnvironmentValue("VANTO_CORVANE_DATA", options.data);
     }
+    if (options.callTimeout > 0) {
+        platform::os::SetRuntimeEnvironmentValue("VANTO_CORVANE_TIMEOUT_MS",
+                                                 std::to_string(options.callTimeout));
+    }
     platform::os::PrepareTerminal(platform::os::StandardStream::Output);
     if (options.module.empty()) {
         options.module = DefaultModulePath(arguments.empty() ? std::string() : arguments[0]);
     }
 
+    ConnectorTrace trace;
     Component component(options.module, options.mock);
-    Host host(component, options.mock, options.json ? Output::Json : Output::Table);
+    Host host(component, trace, options.mock, options.json ? Output::Json : Output::Table);
     if (app.got_subcommand("load")) {
         return host.Print(component.LoadReport());
     }
     if (!component.Ready()) {
         std::fprintf(stderr, "vanto_host: %s\n", component.Error().c_str());
-        return 1;
+        return ExitCode::Failed;
+    }
+    if (options.mock) {
+        if (const std::string problem = MockInputProblem(); !problem.empty()) {
+            std::fprintf(stderr, "vanto_host: %s\n", problem.c_str());
+        }
     }
     if (options.noConnect) {
         host.SkipRegistration();
@@ -137,6 +163,6 @@ int main(int argc, char** argv) {
         return chosen(host);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vanto_host: %s\n", error.what());
-        return 1;
+        return ExitCode::Failed;
     }
 }
