@@ -4,10 +4,12 @@
 
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
+#include "os/Os.h"
 #include "protocol/commands/MCADCommands.h"
 #include "protocol/registration/Registration.h"
 #include "support/EmulatorProcess.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -25,7 +27,8 @@ using namespace Corvane::CommandIO::DataManagement::MCAD;
 TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
     constexpr std::size_t Answered = 40;
     const fs::path workspace =
-        fs::temp_directory_path() / ("vanto-crash-workspace-" + std::to_string(::getpid()));
+        fs::temp_directory_path() /
+        ("vanto-crash-workspace-" + std::to_string(platform::os::CurrentProcessId()));
     fs::create_directories(workspace);
     std::vector<std::string> parts;
     for (std::size_t i = 0; i < 2 * Answered; ++i) {
@@ -96,7 +99,8 @@ TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
     emulator.Start();
     const std::string locks = emulator.Control(R"({"Action":"locks"})");
     for (const std::string& part : taken) {
-        EXPECT_NE(std::string::npos, locks.find("\"" + part + "\"")) << part;
+        EXPECT_NE(std::string::npos, locks.find(boost::json::serialize(boost::json::value(part))))
+            << part;
     }
     // The session of before the kill is still known.
     Corvane::ConnectorLink link(std::chrono::seconds(30));

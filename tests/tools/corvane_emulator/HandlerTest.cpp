@@ -3,6 +3,7 @@
 // locks held after it.
 #include "Handler.h"
 
+#include "os/Process.h"
 #include "protocol/Catalogue.h"
 
 #include <boost/json.hpp>
@@ -17,10 +18,14 @@ namespace {
 using namespace vanto::emulator;
 using Corvane::CommandIO::CommandOutputBase;
 
-const std::string Workspace_ = VANTO_EXAMPLES_DIR "/workspace";
+// The example workspace where this program reads it (under Wine by its DOS name), and the folder
+// as the clients of these tests name it: the same on every platform.
+const std::filesystem::path Folder =
+    std::filesystem::path(platform::os::PathFromUnix(VANTO_EXAMPLES_DIR "/workspace"));
+const std::string Workspace_ = "/client/workspace";
 
 // Requests ("operation body") and the pieces looked for in answers are written with ' for ",
-// "$" for the folder of the example workspace and "@" for the session.
+// "$" for the workspace folder as clients name it and "@" for the session.
 const std::string Shaft = "$/Gearbox/Shaft/shaft.par";
 const std::string Housing = "$/Gearbox/housing.psm"; // locked by Ben Okafor
 const std::string Cover = "$/Gearbox/cover.par";     // read-only for Ada Byrne
@@ -96,8 +101,10 @@ struct Emulator {
     }
 
     Store store{":memory:"};
-    Handler handler{
-        store, {"Ada Byrne", {Workspace_, Workspace_ + "/corvane-import.json", ""}, "/scratch"}};
+    Handler handler{store,
+                    {"Ada Byrne",
+                     {Folder.u8string(), (Folder / "corvane-import.json").u8string(), Workspace_},
+                     "/scratch"}};
     std::string session;
 };
 
@@ -274,14 +281,17 @@ TEST(EmulatorHandler, AnswersEveryCommandOfTheCatalogueAndNoOther) {
 }
 
 // A database written by this emulator, then marked as another emulator would have left it: the
-// first one kept its version as a row of its settings, before the database's user_version.
+// first one kept its version as a row of its settings, before the database's user_version; up to
+// version 1 path keys folded ASCII letters only, and a stale key must be made again.
 TEST(EmulatorStore, OpensOrMovesOverKnownVersionsAndRefusesOthers) {
+    const std::string stale = "; UPDATE documents SET path_key = 'stale'";
     const struct {
-        const char* marking;
+        std::string marking;
         bool opens;
     } cases[] = {
         {"", true},
-        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '1')", true},
+        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '1')" + stale, true},
+        {"PRAGMA user_version = 1" + stale, true},
         {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '99')", false},
         {"PRAGMA user_version = 0", false},
         {"PRAGMA user_version = 99", false},
@@ -289,18 +299,46 @@ TEST(EmulatorStore, OpensOrMovesOverKnownVersionsAndRefusesOthers) {
     const auto path = std::filesystem::temp_directory_path() / "vanto-schema-version.db";
     for (const auto& c : cases) {
         std::filesystem::remove(path);
-        Store(path.string()).EnsureUser("Cy");
+        Store(path.string()).AddDocument("C:\\Über\\Welle.par", 0);
         Database(path.string()).Execute(c.marking);
         if (!c.opens) {
             EXPECT_THROW(Store{path.string()}, SqliteError) << c.marking;
             continue;
         }
         Store store(path.string());
-        EXPECT_TRUE(store.FindUser("Cy")) << c.marking;
-        EXPECT_EQ(1, Database(path.string()).QueryInt("PRAGMA user_version")) << c.marking;
+        EXPECT_TRUE(store.FindDocument("c:/üBER/welle.PAR")) << c.marking;
+        EXPECT_EQ(SchemaVersion, Database(path.string()).QueryInt("PRAGMA user_version"))
+            << c.marking;
         EXPECT_EQ("", store.Setting("schema_version")) << c.marking;
     }
     std::filesystem::remove(path);
+}
+
+// Paths compare as Windows compares file names; the rest of a key is the path as it came.
+TEST(EmulatorText, PathKeysAndTimes) {
+    const struct {
+        const char* a;
+        const char* b;
+        bool same;
+    } paths[] = {
+        {"C:\\work\\Gearbox\\Shaft.par", "c:/WORK/gearbox/shaft.PAR", true},
+        {"C:\\ÜBER\\Ωmega-Ǆ.par", "c:\\über\\ωMEGA-ǆ.par", true},
+        {"C:\\work\\", "c:\\work", true},
+        {"C:\\Straße.par", "C:\\STRASSE.par", false}, // one letter to two is no simple folding
+        {"C:\\a.par", "C:\\b.par", false},
+        {"\xFF\\A", "\xFF/a", true}, // bytes that are no UTF-8 are kept as they are
+        {"\xC3\\A", "\xE3/a", false},
+    };
+    for (const auto& p : paths) {
+        EXPECT_EQ(p.same, PathKey(p.a) == PathKey(p.b)) << p.a << " " << p.b;
+    }
+    const std::pair<std::int64_t, const char*> times[] = {{0, "1970-01-01T00:00:00Z"},
+                                                          {-1, "1969-12-31T23:59:59Z"},
+                                                          {951782400, "2000-02-29T00:00:00Z"},
+                                                          {4102444799, "2099-12-31T23:59:59Z"}};
+    for (const auto& [seconds, text] : times) {
+        EXPECT_EQ(text, IsoTime(seconds));
+    }
 }
 
 } // namespace
