@@ -99,8 +99,7 @@ int Serve(ServeOptions options) {
     }
     Workspace& workspace = options.workspace;
     if (!workspace.folder.empty()) {
-        workspace.folder =
-            fs::absolute(fs::u8path(workspace.folder)).lexically_normal().u8string();
+        workspace.folder = fs::absolute(fs::u8path(workspace.folder)).lexically_normal().u8string();
         while (workspace.folder.size() > 1 &&
                (workspace.folder.back() == '/' || workspace.folder.back() == '\\')) {
             workspace.folder.pop_back();
@@ -153,7 +152,8 @@ int main(int argc, char** argv) {
 
     ServeOptions serve;
     serve.data = DefaultDataFolder();
-    CLI::App* serveCommand = app.add_subcommand("serve", "Serve until stopped (Ctrl+C, SIGTERM, stop)");
+    CLI::App* serveCommand =
+        app.add_subcommand("serve", "Serve until stopped (Ctrl+C, SIGTERM, stop)");
     serveCommand->add_option("--data", serve.data, "Data folder (database and endpoint file)")
         ->capture_default_str();
     serveCommand->add_option("--workspace", serve.workspace.folder,
