@@ -25,7 +25,7 @@ if(NOT imports)
   message(FATAL_ERROR "${MODULE} imports nothing; objdump's output was not understood")
 endif()
 set(system_dlls advapi32.dll bcrypt.dll kernel32.dll msvcrt.dll ntdll.dll ole32.dll oleaut32.dll
-                rpcrt4.dll shell32.dll ucrtbase.dll user32.dll ws2_32.dll)
+                mswsock.dll rpcrt4.dll shell32.dll ucrtbase.dll user32.dll ws2_32.dll)
 foreach(dll IN LISTS imports)
   if(NOT dll IN_LIST system_dlls AND NOT dll MATCHES "^api-ms-win-")
     message(FATAL_ERROR "${MODULE} imports ${dll}, which is not a Windows system DLL")

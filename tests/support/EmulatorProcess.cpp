@@ -54,11 +54,6 @@ std::wstring Program() {
     return *ProgramPath == '\0' ? std::wstring() : platform::os::PathFromUnix(ProgramPath);
 }
 
-// The name the emulator (a Linux program) knows a file by.
-std::wstring ForEmulator(const std::wstring& path) {
-    return platform::os::PathForProgram(Program(), path);
-}
-
 // The component's default backend looks for an emulator through the environment, the user's
 // settings and the folder of the module. In this test program it finds none unless a test starts
 // one, whatever the machine has set up for its user.
@@ -125,18 +120,14 @@ void EmulatorProcess::Start() {
     const fs::path endpoint = fs::path(data_) / "endpoint.json";
     std::error_code ignored;
     fs::remove(endpoint, ignored);
-    std::vector<std::wstring> arguments{L"serve", L"--data", ForEmulator(data_), L"--workspace",
-                                        ForEmulator(workspace_)};
-    if (ForEmulator(workspace_) != workspace_) {
-        // The component names the documents as it sees them.
-        arguments.insert(arguments.end(), {L"--client-root", workspace_});
-    }
+    std::vector<std::wstring> arguments{L"serve", L"--data", data_, L"--workspace", workspace_};
     if (!options_.user.empty()) {
         arguments.insert(arguments.end(), {L"--user", options_.user});
     }
     if (options_.cloudOf != nullptr) {
-        arguments.insert(arguments.end(),
-                         {L"--cloud", ForEmulator(options_.cloudOf->data_) + L"/corvane.db"});
+        arguments.insert(
+            arguments.end(),
+            {L"--cloud", (fs::path(options_.cloudOf->data_) / "corvane.db").wstring()});
     }
     const platform::os::LaunchedProgram launched =
         platform::os::LaunchDetached(Program(), arguments);
@@ -149,7 +140,7 @@ void EmulatorProcess::Start() {
 }
 
 void EmulatorProcess::Kill() {
-    ASSERT_NE(0u, pid_) << "no process to end: Wine gives the Unix program none";
+    ASSERT_NE(0u, pid_) << "no process to end";
     EXPECT_TRUE(platform::os::KillProcess(pid_));
     pid_ = 0;
     fs::remove(fs::path(data_) / "endpoint.json"); // a dead emulator's
@@ -161,7 +152,7 @@ void EmulatorProcess::Stop() {
     } catch (...) {
         // Gone already.
     }
-    // It removes its endpoint file last; Wine gives no process to wait on.
+    // It removes its endpoint file last, after closing its database.
     const fs::path endpoint = fs::path(data_) / "endpoint.json";
     for (int waited = 0; fs::exists(endpoint) && waited < 10000; waited += 20) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));

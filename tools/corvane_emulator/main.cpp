@@ -147,7 +147,8 @@ int Control(const std::string& endpointFile, const json::object& request) {
 
 int main(int argc, char** argv) {
     CLI::App app{"Corvane connector emulator: serves the connector's protocol on this machine, "
-                 "with its state in SQLite"};
+                 "with its state in SQLite",
+                 "corvane_emulator"};
     app.require_subcommand(1);
 
     ServeOptions serve;
