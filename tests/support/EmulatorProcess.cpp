@@ -16,12 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-#ifdef VANTO_EMULATOR_PROGRAM
-constexpr const char* ProgramPath = VANTO_EMULATOR_PROGRAM;
-#else
-constexpr const char* ProgramPath = "";
-#endif
-
 std::wstring ScratchFolder() {
     static int count = 0;
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
@@ -50,8 +44,9 @@ void RemoveTree(const fs::path& folder) {
     fs::remove(folder, ignored);
 }
 
+// The emulator of this build, by the name this program knows it by (under Wine its DOS name).
 std::wstring Program() {
-    return *ProgramPath == '\0' ? std::wstring() : platform::os::PathFromUnix(ProgramPath);
+    return platform::os::PathFromUnix(VANTO_EMULATOR_PROGRAM);
 }
 
 // The component's default backend looks for an emulator through the environment, the user's
@@ -70,10 +65,6 @@ public:
     ::testing::AddGlobalTestEnvironment(new NoEmulator);
 
 } // namespace
-
-bool EmulatorProcess::Available() {
-    return !Program().empty();
-}
 
 EmulatorProcess::EmulatorProcess() : EmulatorProcess(Options()) {}
 

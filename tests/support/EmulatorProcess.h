@@ -23,9 +23,6 @@ public:
         bool current = true;
     };
 
-    // False where this build has no emulator program to start.
-    static bool Available();
-
     EmulatorProcess();
     explicit EmulatorProcess(Options options);
     ~EmulatorProcess();

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <tuple>
 
 namespace {
 
@@ -314,26 +315,19 @@ TEST(EmulatorStore, OpensOrMovesOverKnownVersionsAndRefusesOthers) {
     std::filesystem::remove(path);
 }
 
-// Paths compare as Windows compares file names; the rest of a key is the path as it came.
+// Beyond what the store's lookup above shows (slashes, case of the drive letter and of Ü): other
+// scripts fold too, one letter never becomes two, and bytes that are no UTF-8 stay as they are.
 TEST(EmulatorText, PathKeysAndTimes) {
-    const struct {
-        const char* a;
-        const char* b;
-        bool same;
-    } paths[] = {
-        {"C:\\work\\Gearbox\\Shaft.par", "c:/WORK/gearbox/shaft.PAR", true},
-        {"C:\\ÜBER\\Ωmega-Ǆ.par", "c:\\über\\ωMEGA-ǆ.par", true},
-        {"C:\\work\\", "c:\\work", true},
-        {"C:\\Straße.par", "C:\\STRASSE.par", false}, // one letter to two is no simple folding
-        {"C:\\a.par", "C:\\b.par", false},
-        {"\xFF\\A", "\xFF/a", true}, // bytes that are no UTF-8 are kept as they are
+    const std::tuple<const char*, const char*, bool> paths[] = {
+        {"C:\\Ωmega-Ǆ.par", "c:\\ωMEGA-ǆ.par", true},
+        {"C:\\Straße.par", "C:\\STRASSE.par", false},
+        {"\xFF\\A", "\xFF/a", true},
         {"\xC3\\A", "\xE3/a", false},
     };
-    for (const auto& p : paths) {
-        EXPECT_EQ(p.same, PathKey(p.a) == PathKey(p.b)) << p.a << " " << p.b;
+    for (const auto& [a, b, same] : paths) {
+        EXPECT_EQ(same, PathKey(a) == PathKey(b)) << a << " " << b;
     }
-    const std::pair<std::int64_t, const char*> times[] = {{0, "1970-01-01T00:00:00Z"},
-                                                          {-1, "1969-12-31T23:59:59Z"},
+    const std::pair<std::int64_t, const char*> times[] = {{-1, "1969-12-31T23:59:59Z"},
                                                           {951782400, "2000-02-29T00:00:00Z"},
                                                           {4102444799, "2099-12-31T23:59:59Z"}};
     for (const auto& [seconds, text] : times) {
