@@ -78,6 +78,12 @@ endforeach()
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE
         DESTINATION ${VANTO_INSTALL_DOCDIR})
 
+# ---- The HTML reference (cmake/VantoDocs.cmake) ------------------------------------------------
+if(TARGET docs)
+  install(DIRECTORY ${VANTO_DOC_HTML}/ DESTINATION ${VANTO_INSTALL_DOCDIR}/reference)
+  set(VANTO_INSTALLED_REFERENCE "\;${VANTO_INSTALL_DOCDIR}/reference/index.html")
+endif()
+
 install(EXPORT VANTOTargets NAMESPACE VANTO:: DESTINATION ${VANTO_INSTALL_CMAKEDIR})
 set(VANTO_INSTALL_MODULE ${VANTO_INSTALL_MODULEDIR}/${VANTO_MODULE_FILE})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/VANTOConfig.cmake.in
@@ -153,7 +159,7 @@ if(VANTO_BUILD_TESTS)
       -DBUILD=${CMAKE_BINARY_DIR} -DEXAMPLE=${PROJECT_SOURCE_DIR}/examples/host
       -DSAMPLE=${PROJECT_SOURCE_DIR}/examples/VANTOInput.xml -DWORK=${CMAKE_BINARY_DIR}/sdk-test
       -DGENERATOR=${CMAKE_GENERATOR} -DBUILD_TYPE=${CMAKE_BUILD_TYPE}
-      "-DINSTALLED=${VANTO_INSTALL_DOCDIR}/README.md\;${VANTO_INSTALL_DOCDIR}/LICENSE\;${VANTO_INSTALL_CMAKEDIR}/VANTOConfigVersion.cmake")
+      "-DINSTALLED=${VANTO_INSTALL_DOCDIR}/README.md\;${VANTO_INSTALL_DOCDIR}/LICENSE\;${VANTO_INSTALL_CMAKEDIR}/VANTOConfigVersion.cmake${VANTO_INSTALLED_REFERENCE}")
   # A host with strict warnings compiles the headers cleanly; a sanitized module wants a
   # sanitized host.
   set(VANTO_SDK_TEST_FLAGS "-Wall -Wextra -Wpedantic -Werror")

@@ -72,10 +72,12 @@ endif()
 add_library(vanto_testing STATIC ${PROJECT_SOURCE_DIR}/platform/connector/FakeConnector.cpp)
 target_link_libraries(vanto_testing PUBLIC vanto_static)
 
-# What a host needs to load the component: the public header, module loading and the console.
+# What the programs around the component need: module loading, the console, running a program,
+# a lock on a file.
 add_library(vanto_hostsupport STATIC ${VANTO_OS_DIR}/DynamicLibrary_${VANTO_OS}.cpp
                                      ${VANTO_OS_DIR}/Console_${VANTO_OS}.cpp
-                                     ${VANTO_OS_DIR}/ChildProcess_${VANTO_OS}.cpp)
+                                     ${VANTO_OS_DIR}/ChildProcess_${VANTO_OS}.cpp
+                                     ${VANTO_OS_DIR}/FileLock_${VANTO_OS}.cpp)
 target_link_libraries(vanto_hostsupport PUBLIC vanto_platform ${CMAKE_DL_LIBS})
 if(WIN32)
   target_link_libraries(vanto_hostsupport PUBLIC shell32)

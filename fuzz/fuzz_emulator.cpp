@@ -92,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string_view operation = line.substr(0, space);
         const std::string_view request = line.substr(std::min(space + 1, line.size()));
 
-        const bool failureAskedFor = store.AnyFaultAnswers(vanto::protocol::ReturnCode::Fail);
+        const bool failureAskedFor = handler.AnyFaultAnswers(vanto::protocol::ReturnCode::Fail);
         CheckAnswer(handler.Handle(operation, request).text, failureAskedFor);
     }
     return 0;

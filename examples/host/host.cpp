@@ -2,11 +2,7 @@
 // module, creates the manager through the module's class factory and checks out a document through
 // the mock file services, which answer from Z:\PDM\VANTO\Dev\VANTOInput.xml.
 //   vanto_example_host [MODULE]      MODULE: the installed module unless given
-#include "VANTO.h"
-
-#ifndef _WIN32
-#include <dlfcn.h>
-#endif
+#include "Module.h"
 
 #include <cstdio>
 #include <string>
@@ -15,27 +11,6 @@ namespace {
 
 // A document of the sample input (examples/VANTOInput.xml), checked out by the mock's user.
 const wchar_t* const Document = L"Z:\\PDM\\Root\\bracket.par";
-
-// The module stays loaded until the process ends: a host may free it only after every object is
-// released and DllCanUnloadNow answers S_OK.
-void* LoadModule(const std::string& path) {
-#ifdef _WIN32
-    const int length = ::MultiByteToWideChar(CP_UTF8, 0, path.c_str(), -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length > 0 ? length : 1), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, path.c_str(), -1, wide.data(), length);
-    return reinterpret_cast<void*>(::LoadLibraryW(wide.c_str()));
-#else
-    return ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-#endif
-}
-
-void* Symbol(void* module, const char* name) {
-#ifdef _WIN32
-    return reinterpret_cast<void*>(::GetProcAddress(static_cast<HMODULE>(module), name));
-#else
-    return ::dlsym(module, name);
-#endif
-}
 
 int Fail(const char* step, HRESULT hr) {
     std::fprintf(stderr, "%s failed: 0x%08X\n", step, static_cast<unsigned>(hr));
@@ -46,28 +21,19 @@ int Fail(const char* step, HRESULT hr) {
 
 int main(int argc, char** argv) {
     const std::string path = argc > 1 ? argv[1] : VANTO_MODULE;
-    void* module = LoadModule(path);
-    const auto getClassObject =
-        module != nullptr
-            ? reinterpret_cast<PFN_DllGetClassObject>(Symbol(module, "DllGetClassObject"))
-            : nullptr;
-    if (getClassObject == nullptr) {
+    // The module stays loaded until the process ends: a host may free it only after every object
+    // is released and DllCanUnloadNow answers S_OK (checkout.cpp shows that).
+    const VantoModule module(path);
+    if (!module.Loaded()) {
         std::fprintf(stderr, "cannot load DllGetClassObject from %s\n", path.c_str());
         return 1;
     }
     std::printf("loaded %s\n", path.c_str());
 
-    IClassFactory* factory = nullptr;
-    HRESULT hr =
-        getClassObject(CLSID_VANTOManager, IID_IClassFactory, reinterpret_cast<void**>(&factory));
-    if (FAILED(hr)) {
-        return Fail("DllGetClassObject", hr);
-    }
     IUnknown* manager = nullptr;
-    hr = factory->CreateInstance(nullptr, IID_IUnknown, reinterpret_cast<void**>(&manager));
-    factory->Release();
+    HRESULT hr = module.CreateManager(&manager);
     if (FAILED(hr)) {
-        return Fail("CreateInstance", hr);
+        return Fail("creating the manager", hr);
     }
     IVANTOFileServices* files = nullptr;
     hr = manager->QueryInterface(IID_IVANTOMockFileServices, reinterpret_cast<void**>(&files));

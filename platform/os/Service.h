@@ -4,6 +4,7 @@
 
 #include <boost/asio/io_context.hpp>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
@@ -18,6 +19,10 @@ namespace platform::os {
 // MoveFileExW with MOVEFILE_REPLACE_EXISTING (the list moves with the file). Throws
 // std::runtime_error when it cannot.
 void WritePrivateFile(const std::string& path, std::string_view contents);
+
+// Opens the file `path` (UTF-8) for appending, created when missing, so that programs this one
+// starts do not inherit it (POSIX "e", Windows "N"); null when it cannot.
+std::FILE* OpenForAppending(const std::string& path);
 
 // While it lives, a request to stop calls `stop` on the thread that runs `io`. POSIX: SIGINT and
 // SIGTERM. Windows: Ctrl+C, Ctrl+Break, closing the console, signing out and shutting down; for

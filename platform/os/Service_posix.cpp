@@ -26,6 +26,10 @@ void WritePrivateFile(const std::string& path, std::string_view contents) {
     }
 }
 
+std::FILE* OpenForAppending(const std::string& path) {
+    return std::fopen(path.c_str(), "ae");
+}
+
 struct StopRequests::State {
     explicit State(boost::asio::io_context& io) : signals(io, SIGINT, SIGTERM) {}
     boost::asio::signal_set signals;

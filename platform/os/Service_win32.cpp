@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <cstdio>
 #include <mutex>
 #include <stdexcept>
 #include <vector>
@@ -86,6 +87,10 @@ void WritePrivateFile(const std::string& path, std::string_view contents) {
         ::DeleteFileW(temporary.c_str());
         throw std::runtime_error("cannot write " + path);
     }
+}
+
+std::FILE* OpenForAppending(const std::string& path) {
+    return ::_wfopen(Utf8ToWide(path).c_str(), L"aN");
 }
 
 // The console's handler runs on a thread of its own: it reaches the one live StopRequests through

@@ -108,9 +108,7 @@ std::wstring EmulatorProcess::Document(const std::string& relative) const {
 }
 
 void EmulatorProcess::Start() {
-    const fs::path endpoint = fs::path(data_) / "endpoint.json";
-    std::error_code ignored;
-    fs::remove(endpoint, ignored);
+    const std::string before = Endpoint().secret; // a dead emulator's, replaced at the start
     std::vector<std::wstring> arguments{L"serve", L"--data", data_, L"--workspace", workspace_};
     if (!options_.user.empty()) {
         arguments.insert(arguments.end(), {L"--user", options_.user});
@@ -124,7 +122,7 @@ void EmulatorProcess::Start() {
         platform::os::LaunchDetached(Program(), arguments);
     ASSERT_TRUE(launched.started);
     pid_ = launched.pid;
-    for (int waited = 0; !fs::exists(endpoint); waited += 20) {
+    for (int waited = 0; Endpoint().secret == before; waited += 20) {
         ASSERT_LT(waited, 20000) << "the emulator did not start";
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
@@ -134,18 +132,18 @@ void EmulatorProcess::Kill() {
     ASSERT_NE(0u, pid_) << "no process to end";
     EXPECT_TRUE(platform::os::KillProcess(pid_));
     pid_ = 0;
-    fs::remove(fs::path(data_) / "endpoint.json"); // a dead emulator's
 }
 
 void EmulatorProcess::Stop() {
+    bool asked = true;
     try {
         Control(R"({"Action":"stop"})");
     } catch (...) {
-        // Gone already.
+        asked = false; // gone already
     }
     // It removes its endpoint file last, after closing its database.
     const fs::path endpoint = fs::path(data_) / "endpoint.json";
-    for (int waited = 0; fs::exists(endpoint) && waited < 10000; waited += 20) {
+    for (int waited = 0; asked && fs::exists(endpoint) && waited < 10000; waited += 20) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     if (pid_ != 0 && !platform::os::WaitForExit(pid_, 10000)) {
@@ -162,6 +160,16 @@ Corvane::Endpoint EmulatorProcess::Endpoint() const {
 std::string EmulatorProcess::Control(const std::string& request) const {
     Corvane::ConnectorLink link(std::chrono::seconds(10));
     return link.Call(Endpoint(), "control", request);
+}
+
+std::string EmulatorProcess::StatusWithout(const std::string& piece) const {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    std::string status;
+    do {
+        status = Control(R"({"Action":"status"})");
+    } while (status.find(piece) != std::string::npos &&
+             std::chrono::steady_clock::now() < deadline);
+    return status;
 }
 
 } // namespace testsupport

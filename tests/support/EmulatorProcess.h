@@ -29,9 +29,10 @@ public:
     EmulatorProcess(const EmulatorProcess&) = delete;
     EmulatorProcess& operator=(const EmulatorProcess&) = delete;
 
-    // Starts (again) on the same data folder; waits until the endpoint file is there.
+    // Starts (again) on the same data folder; waits until it has written its endpoint file.
     void Start();
-    // Ends it at once, as a crash would (SIGKILL, TerminateProcess).
+    // Ends it at once, as a crash would (SIGKILL, TerminateProcess), leaving its endpoint file
+    // behind.
     void Kill();
     // Asks the emulator on this data folder, whoever started it, to stop and waits for it.
     void Stop();
@@ -44,6 +45,8 @@ public:
     Corvane::Endpoint Endpoint() const;
     // One control action ({"Action": ...}) answered as text.
     std::string Control(const std::string& request) const;
+    // The status, asked for until it no longer holds `piece` (for a minute at most).
+    std::string StatusWithout(const std::string& piece) const;
 
 private:
     Options options_;

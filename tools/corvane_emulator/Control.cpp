@@ -1,9 +1,12 @@
 // The control interface: what tests and demonstrations do to the emulator. Requests and answers
 // are small JSON objects: {"Action": ..., ...} in, {"Ok": true, ...} or {"Ok": false, "Error": ...}
-// out.
+// out; a request that is wrong in itself (not the state it meets) also says "BadRequest": true.
 #include "Handler.h"
 
 #include <boost/json.hpp>
+
+#include <limits>
+#include <optional>
 
 namespace vanto::emulator {
 
@@ -15,14 +18,24 @@ std::string Failure(const std::string& message) {
     return json::serialize(json::object{{"Ok", false}, {"Error", message}});
 }
 
+std::string BadRequest(const std::string& message) {
+    return json::serialize(json::object{{"Ok", false}, {"Error", message}, {"BadRequest", true}});
+}
+
 std::string Field(const json::object& request, std::string_view key) {
     const json::value* value = request.if_contains(key);
     return value != nullptr && value->is_string() ? std::string(value->get_string()) : "";
 }
 
-std::int64_t Number(const json::object& request, std::string_view key) {
+// A whole number from 0 to `most`, 0 when absent; none when it is anything else.
+std::optional<std::int64_t> Number(const json::object& request, std::string_view key,
+                                   std::int64_t most) {
     const json::value* value = request.if_contains(key);
-    return value != nullptr && value->is_int64() ? value->get_int64() : 0;
+    if (value == nullptr) {
+        return 0;
+    }
+    const bool fits = value->is_int64() && value->get_int64() >= 0 && value->get_int64() <= most;
+    return fits ? std::optional<std::int64_t>(value->get_int64()) : std::nullopt;
 }
 
 json::object Listing(const Document& d) {
@@ -46,7 +59,7 @@ std::string Handler::Control(std::string_view request) {
     json::value parsed = json::parse(json::string_view(request.data(), request.size()), error,
                                      json::storage_ptr(), options);
     if (error || !parsed.is_object()) {
-        return Failure("the request is not a JSON object");
+        return BadRequest("the request is not a JSON object");
     }
     const json::object& in = parsed.get_object();
     const std::string action = Field(in, "Action");
@@ -56,10 +69,11 @@ std::string Handler::Control(std::string_view request) {
     // The document and the other user a request acts on, or an error text.
     const auto target = [&](std::optional<Document>& d, std::int64_t& user) -> std::string {
         const std::string name = Field(in, "User");
-        if (name.empty()) {
-            return "no \"User\" given";
+        const auto found = store_.FindUser(name);
+        if (!found) {
+            return "no user \"" + name + "\" (users come from the import or another desktop)";
         }
-        user = store_.EnsureUser(name);
+        user = found->key;
         d = store_.FindDocument(Field(in, "Path"), 0);
         return d ? "" : "no document at \"" + Field(in, "Path") + "\"";
     };
@@ -77,6 +91,14 @@ std::string Handler::Control(std::string_view request) {
         out["Sessions"] = tally.sessions;
         out["SchemaVersion"] = SchemaVersion;
         out["DataFolder"] = options_.dataFolder;
+        json::array faults;
+        for (const auto& [command, setting] : faults_) {
+            faults.push_back({{"Command", command},
+                              {"LatencyMs", setting.fault.latencyMs},
+                              {"FailCode", setting.fault.failCode},
+                              {"Times", setting.times}});
+        }
+        out["Faults"] = std::move(faults);
     } else if (action == "documents" || action == "locks") {
         json::array list;
         for (const Document& document : store_.AllDocuments()) {
@@ -87,7 +109,7 @@ std::string Handler::Control(std::string_view request) {
         out[action == "documents" ? "Documents" : "Locks"] = std::move(list);
     } else if (action == "lock" || action == "unlock" || action == "save") {
         if (std::string problem = target(d, other); !problem.empty()) {
-            return Failure(problem);
+            return BadRequest(problem);
         }
         if (d->lockUser != 0 && d->lockUser != other) {
             return Failure("locked by " + d->lock.holder);
@@ -108,14 +130,9 @@ std::string Handler::Control(std::string_view request) {
             store_.CloseSessionsOf(user_);
         }
     } else if (action == "fault") {
-        const std::string command = Field(in, "Command");
-        if (command.empty()) {
-            return Failure("no \"Command\" given");
-        }
-        store_.SetFault(command, std::max<std::int64_t>(0, Number(in, "LatencyMs")),
-                        Number(in, "FailCode"), std::max<std::int64_t>(0, Number(in, "Times")));
+        return SetFault(in);
     } else if (action == "clear-faults") {
-        store_.ClearFaults();
+        faults_.clear();
     } else if (action == "stop") {
         return std::string(StopAnswer);
     } else if (action == "reset") {
@@ -126,10 +143,30 @@ std::string Handler::Control(std::string_view request) {
         again.Commit();
         return json::serialize(out);
     } else {
-        return Failure("unknown action \"" + action + "\"");
+        return BadRequest("unknown action \"" + action + "\"");
     }
     transaction.Commit();
     return json::serialize(out);
+}
+
+std::string Handler::SetFault(const json::object& in) {
+    const std::string command = Field(in, "Command");
+    if (commands_.count(command) == 0) {
+        return BadRequest("no command \"" + command + "\" (GETSESSIONINFO lists them)");
+    }
+    const auto latency = Number(in, "LatencyMs", MaxLatencyMs);
+    const auto failCode = Number(in, "FailCode", std::numeric_limits<std::int32_t>::max());
+    const auto times = Number(in, "Times", std::numeric_limits<std::int64_t>::max());
+    if (!latency || !failCode || !times) {
+        return BadRequest("LatencyMs (at most " + std::to_string(MaxLatencyMs) +
+                          "), FailCode and Times are whole numbers, 0 or more");
+    }
+    if (*latency == 0 && *failCode == 0) {
+        return BadRequest("a fault needs LatencyMs or FailCode");
+    }
+    faults_[command] = {
+        {static_cast<std::uint32_t>(*latency), static_cast<std::int32_t>(*failCode)}, *times};
+    return json::serialize(json::object{{"Ok", true}});
 }
 
 } // namespace vanto::emulator

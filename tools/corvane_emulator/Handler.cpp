@@ -6,6 +6,8 @@
 
 #include <boost/json.hpp>
 
+#include <algorithm>
+
 namespace vanto::emulator {
 
 namespace {
@@ -27,8 +29,9 @@ public:
 
 } // namespace
 
-Handler::Handler(Store& store, HandlerOptions options)
-    : store_(store), options_(std::move(options)), failed_(ErrorAnswer(ReturnCode::Fail)) {
+Handler::Handler(Store& store, HandlerOptions options, EventLog& log)
+    : store_(store), options_(std::move(options)), log_(log),
+      failed_(ErrorAnswer(ReturnCode::Fail)) {
     store_.ImportIfEmpty(options_.workspace, options_.user);
     {
         Transaction transaction = store_.Begin();
@@ -63,10 +66,38 @@ Handler::Handler(Store& store, HandlerOptions options)
     }
 }
 
-Answer Handler::Handle(std::string_view operation, std::string_view request) noexcept {
+Fault Handler::Draw(std::string_view operation, std::string_view request) noexcept {
+    try {
+        if (operation != "execute" || faults_.empty()) {
+            return {};
+        }
+        json::monotonic_resource memory;
+        const auto value = ParseRequest(request, &memory);
+        const json::value* name = value ? value->get_object().if_contains("Command") : nullptr;
+        const auto found =
+            name != nullptr && name->is_string() ? faults_.find(name->get_string()) : faults_.end();
+        if (found == faults_.end()) {
+            return {};
+        }
+        const auto [fault, times] = found->second;
+        log_.Write("fault on " + found->first + ": latency " + std::to_string(fault.latencyMs) +
+                   " ms, code " + std::to_string(fault.failCode) +
+                   (times == 1 ? ", the last time" : ""));
+        if (times == 1) {
+            faults_.erase(found);
+        } else if (times > 1) {
+            --found->second.times;
+        }
+        return fault;
+    } catch (...) {
+        return {};
+    }
+}
+
+Answer Handler::Handle(std::string_view operation, std::string_view request, Fault fault) noexcept {
     try {
         if (operation == "execute") {
-            return Execute(request);
+            return Execute(request, fault);
         }
         if (operation == "register") {
             return {Register(request)};
@@ -83,17 +114,25 @@ Answer Handler::Handle(std::string_view operation, std::string_view request) noe
             return answer;
         }
         return {ErrorAnswer(ReturnCode::CommandNotSupported)};
-    } catch (...) {
+    } catch (const std::exception& error) {
         // The transaction rolled back on the way out; the data is as it was.
+        log_.Write(std::string(operation) + " failed: " + error.what());
         try {
             return {ErrorAnswer(ReturnCode::Fail)};
         } catch (...) {
             return {failed_};
         }
+    } catch (...) {
+        return {failed_};
     }
 }
 
-Answer Handler::Execute(std::string_view request) {
+bool Handler::AnyFaultAnswers(std::int32_t code) const {
+    return std::any_of(faults_.begin(), faults_.end(),
+                       [code](const auto& entry) { return entry.second.fault.failCode == code; });
+}
+
+Answer Handler::Execute(std::string_view request, Fault fault) {
     json::monotonic_resource memory;
     const auto value = ParseRequest(request, &memory);
     if (!value) {
@@ -118,12 +157,10 @@ Answer Handler::Execute(std::string_view request) {
     const json::value* session = object.if_contains("SessionId");
 
     Transaction transaction = store_.Begin();
-    const Fault fault = store_.TakeFault(commandName);
     const auto sessionUser =
         session == nullptr ? std::nullopt : store_.SessionUser(session->get_string());
     const auto user = sessionUser ? store_.UserByKey(*sessionUser) : std::nullopt;
     Answer answer;
-    answer.delayMs = fault.latencyMs;
     if (fault.failCode != 0) {
         // A fault set for the command answers whoever asks.
         answer.text = ErrorAnswer(fault.failCode);

@@ -7,8 +7,12 @@
 // limited depth in valid UTF-8, or a key of the command's input with a value of the wrong kind,
 // answers code 7; an unknown command code 4; an unknown session, or a signed-out user, code 3.
 // Each command runs in one transaction: it is committed whole or, on any failure, not at all.
+//
+// Faults set through the control interface live as long as the emulator: a restart starts
+// without any.
 #pragma once
 
+#include "EventLog.h"
 #include "RequestCheck.h"
 #include "Store.h"
 
@@ -22,14 +26,23 @@ namespace vanto::emulator {
 
 struct Answer {
     std::string text;
-    // Added by a fault set through the control interface; the server waits this long before it
-    // answers, without holding up other clients.
-    std::uint32_t delayMs = 0;
     // The emulator stops once this answer is sent (the control action "stop").
     bool stopAfter = false;
 };
 
+// What a fault set through the control interface does to one request: the server waits
+// `latencyMs` before the request runs (so that nothing is done for a client that gave up
+// meanwhile), then it answers `failCode` instead, when one is set.
+struct Fault {
+    std::uint32_t latencyMs = 0;
+    std::int32_t failCode = 0; // 0: none
+};
+inline constexpr std::int64_t MaxLatencyMs = 24 * 3600 * 1000;
+
 inline constexpr std::string_view StopAnswer = R"({"Ok":true,"Stopping":true})";
+
+// The emulator's log (EventLog) in its data folder: what GETSESSIONINFO names.
+inline constexpr const char* LogFileName = "corvane.log";
 
 struct HandlerOptions {
     std::string user = "Ada Byrne"; // the user signed in at this desktop
@@ -39,10 +52,18 @@ struct HandlerOptions {
 
 class Handler {
 public:
-    Handler(Store& store, HandlerOptions options);
+    Handler(Store& store, HandlerOptions options, EventLog& log = EventLog::Nowhere());
 
+    // The fault the request meets, counted as one of its times; none for anything but a command.
+    Fault Draw(std::string_view operation, std::string_view request) noexcept;
     // Never throws: any failure inside a command answers code 1 and leaves the data as it was.
-    Answer Handle(std::string_view operation, std::string_view request) noexcept;
+    Answer Handle(std::string_view operation, std::string_view request, Fault fault) noexcept;
+    // Both at once, without the wait.
+    Answer Handle(std::string_view operation, std::string_view request) noexcept {
+        return Handle(operation, request, Draw(operation, request));
+    }
+    // Whether some fault answers with `code`.
+    bool AnyFaultAnswers(std::int32_t code) const;
 
     const HandlerOptions& Options() const { return options_; }
 
@@ -64,15 +85,23 @@ public:
     };
 
 private:
-    Answer Execute(std::string_view request);
+    struct FaultSetting {
+        Fault fault;
+        std::int64_t times; // 0: until cleared
+    };
+
+    Answer Execute(std::string_view request, Fault fault);
     std::string Register(std::string_view request);
     std::string Deregister(std::string_view request);
     std::string Control(std::string_view request);
+    std::string SetFault(const boost::json::object& request);
 
     Store& store_;
     HandlerOptions options_;
     std::int64_t user_ = 0;
     CommandTable commands_;
+    std::map<std::string, FaultSetting, std::less<>> faults_;
+    EventLog& log_;
     std::string failed_; // made beforehand: the answer when even making an answer failed
 };
 

@@ -5,6 +5,7 @@
 #include "connector/ConnectorLink.h"
 #include "os/Os.h"
 #include "os/Service.h"
+#include "os/TextConversion.h"
 #include "protocol/Numbers.h"
 
 #include <boost/asio/ip/tcp.hpp>
@@ -14,6 +15,8 @@
 #include <boost/json.hpp>
 
 #include <array>
+#include <cstdio>
+#include <list>
 
 namespace vanto::emulator {
 
@@ -21,15 +24,39 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 using boost::system::error_code;
 
-struct Server::State {
-    State(asio::io_context& context, Handler& h, std::uint16_t port)
-        : io(context), handler(h),
-          acceptor(context, tcp::endpoint(asio::ip::address_v4::loopback(), port)) {}
+struct Server::State : std::enable_shared_from_this<Server::State> {
+    State(asio::io_context& context, Handler& h, EventLog& l, std::uint16_t port)
+        : io(context), handler(h), log(l),
+          acceptor(context, tcp::endpoint(asio::ip::address_v4::loopback(), port)),
+          report(context) {}
     asio::io_context& io;
     Handler& handler;
+    EventLog& log;
     tcp::acceptor acceptor;
     std::string secret;
-    std::size_t connections = 0;
+    std::size_t greeted = 0;
+    std::list<Connection*> waiting; // for the secret, the longest waiting first
+    std::size_t refused = 0;        // since the last report
+    asio::steady_timer report;
+
+    // Counts one more connection ended without the secret; logs the count a second after the
+    // first, so one line a second at most however many there are.
+    void Refused() {
+        if (refused++ > 0) {
+            return;
+        }
+        report.expires_after(std::chrono::seconds(1));
+        report.async_wait([weak = weak_from_this()](error_code error) {
+            if (const auto alive = weak.lock(); alive && !error) {
+                alive->Report();
+            }
+        });
+    }
+    void Report() {
+        log.Write("closed " + std::to_string(refused) +
+                  " connection(s) without the secret (wrong, missing, or crowded out)");
+        refused = 0;
+    }
 };
 
 namespace {
@@ -48,10 +75,14 @@ bool SameSecret(std::string_view given, std::string_view expected) {
 class Server::Connection : public std::enable_shared_from_this<Server::Connection> {
 public:
     Connection(std::shared_ptr<State> state, tcp::socket socket)
-        : state_(std::move(state)), socket_(std::move(socket)), timer_(state_->io) {
-        ++state_->connections;
+        : state_(std::move(state)), socket_(std::move(socket)), timer_(state_->io),
+          place_(state_->waiting.insert(state_->waiting.end(), this)) {}
+    ~Connection() {
+        Drop();
+        if (greeted_) {
+            --state_->greeted;
+        }
     }
-    ~Connection() { --state_->connections; }
 
     void Start() {
         error_code ignored;
@@ -65,13 +96,18 @@ public:
         ReadFrame();
     }
 
-private:
     void Drop() {
+        if (place_ != state_->waiting.end()) {
+            state_->waiting.erase(place_);
+            place_ = state_->waiting.end();
+            state_->Refused();
+        }
         error_code ignored;
         socket_.close(ignored);
         timer_.cancel();
     }
 
+private:
     void ReadFrame() {
         asio::async_read(
             socket_, asio::buffer(header_),
@@ -104,40 +140,62 @@ private:
             return Drop();
         }
         if (!greeted_) {
-            const std::string_view text(body_);
-            if (text.substr(0, Corvane::HandshakeGreeting.size()) != Corvane::HandshakeGreeting ||
-                !SameSecret(text.substr(Corvane::HandshakeGreeting.size()), state_->secret)) {
-                return Drop(); // nothing at all for a client without the secret
-            }
-            greeted_ = true;
-            timer_.cancel();
-            return Send(std::string(Corvane::HandshakeAccepted), false);
+            return Greet();
         }
+        const Fault fault = state_->handler.Draw(Operation(), Request());
+        if (fault.latencyMs == 0) {
+            return Answer(fault);
+        }
+        // The wait comes before the work: a client that gives up meanwhile (its end closes) has
+        // nothing done for it.
+        timer_.expires_after(std::chrono::milliseconds(fault.latencyMs));
+        timer_.async_wait([self = shared_from_this(), fault](error_code e) {
+            if (!e && self->socket_.is_open()) {
+                error_code ignored;
+                self->socket_.cancel(ignored);
+                self->Answer(fault);
+            }
+        });
+        socket_.async_wait(tcp::socket::wait_read, [self = shared_from_this()](error_code e) {
+            if (e != asio::error::operation_aborted) {
+                self->Drop();
+            }
+        });
+    }
+
+    void Greet() {
+        const std::string_view text(body_);
+        if (text.substr(0, Corvane::HandshakeGreeting.size()) != Corvane::HandshakeGreeting ||
+            !SameSecret(text.substr(Corvane::HandshakeGreeting.size()), state_->secret) ||
+            state_->greeted == MaxConnections) {
+            return Drop(); // nothing at all for a client without the secret
+        }
+        state_->waiting.erase(place_);
+        place_ = state_->waiting.end();
+        greeted_ = true;
+        ++state_->greeted;
+        timer_.cancel();
+        Send(std::string(Corvane::HandshakeAccepted), false);
+    }
+
+    // The request in body_: the operation, a line feed, the text.
+    std::string_view Operation() const {
+        return std::string_view(body_).substr(0, body_.find('\n'));
+    }
+    std::string_view Request() const {
         const std::size_t newline = body_.find('\n');
-        const std::string_view operation = newline == std::string::npos
-                                               ? std::string_view(body_)
-                                               : std::string_view(body_).substr(0, newline);
-        const std::string_view request = newline == std::string::npos
-                                             ? std::string_view()
-                                             : std::string_view(body_).substr(newline + 1);
-        Answer answer = state_->handler.Handle(operation, request);
+        return newline == std::string::npos ? std::string_view()
+                                            : std::string_view(body_).substr(newline + 1);
+    }
+
+    void Answer(Fault fault) {
+        emulator::Answer answer = state_->handler.Handle(Operation(), Request(), fault);
         if (answer.text.size() > Corvane::MaxFrameBytes) {
             answer.text = ErrorAnswer(protocol::ReturnCode::Fail);
         }
         std::string().swap(body_);
-        if (answer.stopAfter) {
-            stopping_ = true;
-        }
-        if (answer.delayMs == 0) {
-            return Send(std::move(answer.text), false);
-        }
-        timer_.expires_after(std::chrono::milliseconds(answer.delayMs));
-        timer_.async_wait(
-            [self = shared_from_this(), text = std::move(answer.text)](error_code e) mutable {
-                if (!e) {
-                    self->Send(std::move(text), false);
-                }
-            });
+        stopping_ = answer.stopAfter;
+        Send(std::move(answer.text), false);
     }
 
     void Send(std::string text, bool thenClose) {
@@ -163,6 +221,7 @@ private:
     std::shared_ptr<State> state_;
     tcp::socket socket_;
     asio::steady_timer timer_;
+    std::list<Connection*>::iterator place_; // in the waiting list, or its end
     bool greeted_ = false;
     bool stopping_ = false;
     std::array<unsigned char, 4> header_{};
@@ -171,8 +230,8 @@ private:
     std::string out_;
 };
 
-Server::Server(asio::io_context& io, Handler& handler, std::uint16_t port)
-    : state_(std::make_shared<State>(io, handler, port)), secret_(RandomHex(32)) {
+Server::Server(asio::io_context& io, Handler& handler, EventLog& log, std::uint16_t port)
+    : state_(std::make_shared<State>(io, handler, log, port)), secret_(RandomHex(32)) {
     state_->secret = secret_;
     Accept();
 }
@@ -180,6 +239,9 @@ Server::Server(asio::io_context& io, Handler& handler, std::uint16_t port)
 Server::~Server() {
     error_code ignored;
     state_->acceptor.close(ignored);
+    if (state_->refused > 0) {
+        state_->Report();
+    }
 }
 
 std::uint16_t Server::Port() const {
@@ -193,7 +255,10 @@ void Server::Accept() {
         if (!state || !state->acceptor.is_open()) {
             return;
         }
-        if (!error && state->connections < MaxConnections) {
+        if (!error) {
+            if (state->waiting.size() == MaxWaiting) {
+                state->waiting.front()->Drop();
+            }
             std::make_shared<Connection>(state, std::move(socket))->Start();
         }
         Accept();
@@ -206,6 +271,13 @@ void Server::WriteEndpointFile(const std::string& path) const {
                   {"Port", Port()},
                   {"Secret", secret_},
                   {"Pid", static_cast<std::int64_t>(platform::os::CurrentProcessId())}}));
+}
+
+void Server::RemoveEndpointFile(const std::string& path, const std::string& secret) {
+    const auto endpoint = Corvane::ReadEndpointFile(platform::os::Utf8ToWide(path));
+    if (endpoint && endpoint->secret == secret) {
+        std::remove(path.c_str());
+    }
 }
 
 } // namespace vanto::emulator

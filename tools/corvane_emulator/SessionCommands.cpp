@@ -17,8 +17,9 @@ VANTO_EMULATOR_COMMAND(GetConnectionStatus, vanto::protocol::GetConnectionStatus
 VANTO_EMULATOR_COMMAND(GetSessionInfo, vanto::protocol::GetSessionInfoCommand) {
     const auto user = store.UserByKey(c.user);
     out.AuthenticatedUserName = T(user->name);
-    out.CorvaneLogPath = T(c.options->dataFolder + "/corvane.log");
-    out.CloudGatewayLogPath = T(c.options->dataFolder + "/cloud-gateway.log");
+    // The emulator is its own gateway: one log for both.
+    out.CorvaneLogPath = T(c.options->dataFolder + "/" + LogFileName);
+    out.CloudGatewayLogPath = out.CorvaneLogPath;
     out.UserEmail = T(user->email);
     out.IsLoggedIn = user->signedIn;
     out.UserId = T(user->urn);

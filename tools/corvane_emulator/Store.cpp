@@ -47,9 +47,6 @@ CREATE INDEX relations_child ON relations(child);
 CREATE TABLE data_objects(
   primary_key TEXT NOT NULL, secondary_key TEXT NOT NULL, data TEXT NOT NULL,
   PRIMARY KEY(primary_key, secondary_key));
-CREATE TABLE faults(
-  command TEXT PRIMARY KEY, latency_ms INTEGER NOT NULL, fail_code INTEGER NOT NULL,
-  remaining INTEGER NOT NULL);
 )sql";
 
 void Refuse(const std::string& version) {
@@ -60,6 +57,8 @@ void Refuse(const std::string& version) {
 } // namespace
 
 Store::Store(const std::string& path) : db_(path) {
+    // Before anything writes: even the change of journal below would touch the file.
+    RefuseIfDamaged(path);
     db_.Execute("PRAGMA foreign_keys = ON");
     if (path != ":memory:") {
         // Written-ahead log: a reader never waits for the writer, and a command's transaction
@@ -67,6 +66,22 @@ Store::Store(const std::string& path) : db_(path) {
         db_.Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
     }
     OpenSchema();
+}
+
+void Store::RefuseIfDamaged(const std::string& path) {
+    std::string problems;
+    try {
+        Statement check = db_.Prepare("PRAGMA quick_check(3)");
+        while (check.Step()) {
+            if (check.Text(0) == "ok") {
+                return;
+            }
+            problems += "\n  " + check.Text(0);
+        }
+    } catch (const SqliteError& error) {
+        problems = "\n  " + std::string(error.what());
+    }
+    throw SqliteError("the database " + path + " is damaged; left as it is:" + problems);
 }
 
 void Store::OpenSchema() {
@@ -91,6 +106,8 @@ void Store::OpenSchema() {
     } else if (version != SchemaVersion) {
         Refuse(std::to_string(version));
     }
+    // Faults were once kept here; they now last as long as the emulator.
+    db_.Execute("DROP TABLE IF EXISTS faults");
     db_.Execute("PRAGMA user_version = " + std::to_string(SchemaVersion));
     transaction.Commit();
 }
@@ -194,42 +211,6 @@ void Store::CloseSessionsOf(std::int64_t user) {
 
 std::optional<std::int64_t> Store::SessionUser(std::string_view id) {
     return db_.QueryInt("SELECT user_id FROM sessions WHERE id = ?", id);
-}
-
-void Store::SetFault(const std::string& command, std::int64_t latencyMs, std::int64_t failCode,
-                     std::int64_t times) {
-    db_.Run("INSERT OR REPLACE INTO faults(command, latency_ms, fail_code, remaining) "
-            "VALUES (?, ?, ?, ?)",
-            command, latencyMs, failCode, times);
-}
-
-void Store::ClearFaults() {
-    db_.Execute("DELETE FROM faults");
-}
-
-Fault Store::TakeFault(std::string_view command) {
-    Fault fault;
-    std::int64_t remaining = -1;
-    {
-        Statement row =
-            db_.Prepare("SELECT latency_ms, fail_code, remaining FROM faults WHERE command = ?");
-        row.Bind(1, command);
-        if (row.Step()) {
-            fault.latencyMs = static_cast<std::uint32_t>(row.Int(0));
-            fault.failCode = static_cast<std::int32_t>(row.Int(1));
-            remaining = row.Int(2);
-        }
-    }
-    if (remaining == 1) {
-        db_.Run("DELETE FROM faults WHERE command = ?", command);
-    } else if (remaining > 1) {
-        db_.Run("UPDATE faults SET remaining = remaining - 1 WHERE command = ?", command);
-    }
-    return fault;
-}
-
-bool Store::AnyFaultAnswers(std::int32_t code) {
-    return db_.QueryInt("SELECT 1 FROM faults WHERE fail_code = ?", std::int64_t{code}).has_value();
 }
 
 void Store::SaveSnapshot() {

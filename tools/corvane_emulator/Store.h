@@ -98,12 +98,6 @@ struct Session {
     std::string processStart;
 };
 
-// What a fault set through the control interface does to one answer.
-struct Fault {
-    std::uint32_t latencyMs = 0;
-    std::int32_t failCode = 0; // 0: none
-};
-
 struct Tally {
     std::int64_t documents = 0;
     std::int64_t locks = 0; // locks that have not expired
@@ -113,7 +107,7 @@ struct Tally {
 class Store {
 public:
     // Opens (creating or moving over when needed) the database at `path`; ":memory:" keeps it in
-    // memory.
+    // memory. A database that fails SQLite's quick check is refused, untouched.
     explicit Store(const std::string& path);
 
     // Everything done between this and Commit() is kept whole or not at all.
@@ -145,15 +139,6 @@ public:
     bool CloseSession(const std::string& id);
     void CloseSessionsOf(std::int64_t user);
     std::optional<std::int64_t> SessionUser(std::string_view id);
-
-    // `times` 0: until cleared.
-    void SetFault(const std::string& command, std::int64_t latencyMs, std::int64_t failCode,
-                  std::int64_t times);
-    void ClearFaults();
-    // The fault set for the command, counting this answer as one of its times.
-    Fault TakeFault(std::string_view command);
-    // Whether some fault answers with `code`.
-    bool AnyFaultAnswers(std::int32_t code);
 
     // By identifier type (protocol::IdentifierType).
     std::optional<Document> FindDocument(std::string_view identifier, std::int32_t type = 0);
@@ -195,6 +180,7 @@ public:
     void RestoreSnapshot();
 
 private:
+    void RefuseIfDamaged(const std::string& path);
     void OpenSchema();
     // Makes every document's path key again from its path (a database of schema version 1).
     void RekeyDocuments();

@@ -11,6 +11,8 @@
 #include "connector/CorvaneClient.h"
 #include "connector/EmulatorConnector.h"
 #include "os/Console.h"
+#include "os/FileLock.h"
+#include "os/Os.h"
 #include "os/Service.h"
 #include "os/TextConversion.h"
 
@@ -64,7 +66,8 @@ void RememberWorkspace(Store& store, Workspace& workspace) {
     transaction.Commit();
 }
 
-void ServeUntilStopped(ServeOptions& options) {
+// Returns the secret of the endpoint it wrote.
+std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
     Workspace& workspace = options.workspace;
     // Two desktops (two emulators, each with its user and data folder) may share one cloud.
     Store store(options.memory          ? ":memory:"
@@ -77,23 +80,34 @@ void ServeUntilStopped(ServeOptions& options) {
     }
     handlerOptions.workspace = workspace;
     handlerOptions.dataFolder = options.data;
-    Handler handler(store, handlerOptions);
+    Handler handler(store, handlerOptions, log);
 
     boost::asio::io_context io(1);
-    Server server(io, handler, options.port);
+    Server server(io, handler, log, options.port);
     const platform::os::StopRequests stopRequests(io, [&io] { io.stop(); });
     server.WriteEndpointFile(options.endpointFile);
-    std::printf("corvane_emulator: serving %s on 127.0.0.1:%u as \"%s\"; data in %s\n",
-                workspace.folder.empty() ? "(no workspace)" : workspace.folder.c_str(),
-                static_cast<unsigned>(server.Port()), handlerOptions.user.c_str(),
-                options.data.c_str());
+    const std::string serving = "serving " +
+                                (workspace.folder.empty() ? "(no workspace)" : workspace.folder) +
+                                " on 127.0.0.1:" + std::to_string(server.Port()) + " as \"" +
+                                handlerOptions.user + "\"; data in " + options.data;
+    std::printf("corvane_emulator: %s\n", serving.c_str());
     std::fflush(stdout);
+    log.Write("start, process " + std::to_string(platform::os::CurrentProcessId()) + ", " +
+              serving);
     io.run();
+    return server.Secret();
 }
 
 int Serve(ServeOptions options) {
     fs::create_directories(fs::u8path(options.data));
     fs::permissions(fs::u8path(options.data), fs::perms::owner_all, fs::perm_options::replace);
+    // Held while this process lives: one emulator per data folder.
+    const platform::os::FileLock lock(platform::os::Utf8ToWide(options.data + "/emulator.lock"));
+    if (!lock.Held()) {
+        std::fprintf(stderr, "corvane_emulator: another emulator (process %lu) serves %s\n",
+                     lock.HolderId(), options.data.c_str());
+        return 1;
+    }
     if (options.endpointFile.empty()) {
         options.endpointFile = options.data + "/endpoint.json";
     }
@@ -113,11 +127,17 @@ int Serve(ServeOptions options) {
         workspace.importFile = fs::absolute(fs::u8path(workspace.importFile)).u8string();
     }
 
-    ServeUntilStopped(options);
-    // Only now, with the database closed and its journal files gone, so that whoever waits for
-    // this file to disappear finds the data folder settled.
-    std::error_code ignored;
-    fs::remove(fs::u8path(options.endpointFile), ignored);
+    EventLog log(options.data + "/" + LogFileName);
+    try {
+        const std::string secret = ServeUntilStopped(options, log);
+        // Only now, with the database closed and its journal files gone, so that whoever waits
+        // for this file to disappear finds the data folder settled.
+        Server::RemoveEndpointFile(options.endpointFile, secret);
+        log.Write("stop");
+    } catch (const std::exception& error) {
+        log.Write(std::string("cannot serve: ") + error.what());
+        throw;
+    }
     return 0;
 }
 
@@ -134,9 +154,12 @@ int Control(const std::string& endpointFile, const json::object& request) {
         std::printf("%s\n", answer.c_str());
         boost::system::error_code error;
         const json::value value = json::parse(answer, error);
-        const bool ok = !error && value.is_object() && value.get_object().contains("Ok") &&
-                        value.get_object().at("Ok") == true;
-        return ok ? 0 : 1;
+        const json::object* object = error ? nullptr : value.if_object();
+        if (object != nullptr && object->contains("Ok") && object->at("Ok") == true) {
+            return 0;
+        }
+        // A request wrong in itself is a usage error, as the command line's own are.
+        return object != nullptr && object->contains("BadRequest") ? 2 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "corvane_emulator: %s\n", error.what());
         return 2;
@@ -206,9 +229,10 @@ int main(int argc, char** argv) {
     std::int64_t latency = 0;
     std::int64_t failCode = 0;
     std::int64_t times = 0;
-    CLI::App* fault = control("fault", "Delay or fail one command");
+    CLI::App* fault = control("fault", "Delay or fail one command, until the emulator stops "
+                                       "(a restart has no faults; status lists them)");
     fault->add_option("command", command, "The command, e.g. LOCKDESIGNREVISIONS")->required();
-    fault->add_option("--latency", latency, "Milliseconds before the answer");
+    fault->add_option("--latency", latency, "Milliseconds before the command runs and answers");
     fault->add_option("--fail", failCode, "Answer with this error code instead");
     fault->add_option("--times", times, "Only this many times (0: until cleared)");
     fault->callback([&] {
@@ -228,7 +252,17 @@ int main(int argc, char** argv) {
     try {
         app.parse(arguments);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error);
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            return app.exit(error);
+        }
+        // CLI11 takes a word that names no subcommand for a missing one; say which word.
+        const std::vector<std::string> left = app.remaining();
+        const std::string problem = app.get_subcommands().empty() && !left.empty()
+                                        ? "unknown subcommand '" + left.front() + "'"
+                                        : error.what();
+        std::fprintf(stderr, "corvane_emulator: %s\nRun 'corvane_emulator --help' for more.\n",
+                     problem.c_str());
+        return 2;
     }
     try {
         if (serveCommand->parsed()) {

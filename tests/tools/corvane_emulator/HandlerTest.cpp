@@ -116,7 +116,6 @@ struct Row {
     // Pieces the answer holds exactly once; one starting with '!' it does not hold.
     std::vector<std::string> holds = {};
     Locks locks = Imported; // every lock after it
-    std::uint32_t delayMs = 0;
 };
 
 TEST(EmulatorHandler, AnswersAndLocksAfter) {
@@ -159,7 +158,7 @@ TEST(EmulatorHandler, AnswersAndLocksAfter) {
         {{}, Lock(Shaft, 3600), {}, {"!'LockExpires':''"}, shaftTaken},
         // Another user's save makes a newer version in the cloud.
         {{}, newer, {}, {"'Value':false"}},
-        {{Other("save", "Cy", Gearbox)}, newer, {}, {"'Value':true"}},
+        {{Other("save", "Ben Okafor", Gearbox)}, newer, {}, {"'Value':true"}},
         // Properties, and which paths are in the workspace (in any case, with either separator).
         {{}, Properties("$/nothing.par", 0), {8}},
         {{}, Properties(Shaft, 7), {9}},
@@ -203,10 +202,14 @@ TEST(EmulatorHandler, AnswersAndLocksAfter) {
         // check offline and signed out is driven in EmulatorEndToEndTest).
         {{Control("offline")}, Properties(Shaft, 1), {}},
         {{Control("signout")}, "register {}", {3}, {"'SessionId':''"}},
-        // Faults: a failure and a delay, for a number of calls or until cleared.
-        {{fault + ",'LatencyMs':250}"}, Lock(Shaft), {2}, {}, Imported, 250},
+        // Faults: for a number of calls or until cleared; status lists them with the times left.
         {{fault + ",'Times':1}", Lock(Shaft)}, Lock(Shaft), {}, {}, shaftTaken},
         {{fault + "}", Lock(Shaft)}, Lock(Shaft), {2}},
+        {{fault + ",'Times':3}", Lock(Shaft)},
+         Control("status"),
+         {},
+         {"'Faults':[{'Command':'LOCKDESIGNREVISIONS','LatencyMs':0,'FailCode':2,'Times':2}]"}},
+        {{fault + "}", Control("clear-faults")}, Control("status"), {}, {"'Faults':[]"}},
     };
     for (const Row& row : rows) {
         Emulator emulator;
@@ -223,7 +226,6 @@ TEST(EmulatorHandler, AnswersAndLocksAfter) {
             EXPECT_TRUE(absent || at == answer.text.rfind(text)) << piece << " twice";
         }
         EXPECT_EQ(row.locks, emulator.Held()) << row.request;
-        EXPECT_EQ(row.delayMs, answer.delayMs) << row.request;
     }
 }
 
