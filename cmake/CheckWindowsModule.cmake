@@ -1,7 +1,9 @@
 # Checks a built Windows module as the loader sees it, from its PE tables:
-#   cmake -D OBJDUMP=<x86_64-w64-mingw32-objdump> -D MODULE=<VANTO.dll> -P CheckWindowsModule.cmake
-# It must export exactly DllGetClassObject and DllCanUnloadNow, by name, and import nothing but
-# Windows' own DLLs (the GCC and C++ runtimes are linked in statically).
+#   cmake -D OBJDUMP=<x86_64-w64-mingw32-objdump> -D MODULE=<VANTO.dll> [-D PROGRAM=ON]
+#         -P CheckWindowsModule.cmake
+# It must import nothing but Windows' own DLLs (the GCC and C++ runtimes are linked in
+# statically) and, unless it is a PROGRAM, export exactly DllGetClassObject and DllCanUnloadNow,
+# by name.
 cmake_minimum_required(VERSION 3.25)
 
 foreach(variable OBJDUMP MODULE)
@@ -13,6 +15,25 @@ endforeach()
 execute_process(COMMAND ${OBJDUMP} -p ${MODULE} OUTPUT_VARIABLE tables RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
   message(FATAL_ERROR "${OBJDUMP} -p ${MODULE} failed (${status})")
+endif()
+
+string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${tables}")
+list(TRANSFORM imports REPLACE "^DLL Name: " "")
+list(TRANSFORM imports TOLOWER)
+list(REMOVE_DUPLICATES imports)
+if(NOT imports)
+  message(FATAL_ERROR "${MODULE} imports nothing; objdump's output was not understood")
+endif()
+set(system_dlls advapi32.dll bcrypt.dll kernel32.dll msvcrt.dll ntdll.dll ole32.dll oleaut32.dll
+                mswsock.dll rpcrt4.dll shell32.dll ucrtbase.dll user32.dll ws2_32.dll)
+foreach(dll IN LISTS imports)
+  if(NOT dll IN_LIST system_dlls AND NOT dll MATCHES "^api-ms-win-")
+    message(FATAL_ERROR "${MODULE} imports ${dll}, which is not a Windows system DLL")
+  endif()
+endforeach()
+if(PROGRAM)
+  message(STATUS "${MODULE}: imports ${imports}")
+  return()
 endif()
 
 # Export names, from the "[Ordinal/Name Pointer] Table" section: "\t[   0] Name".
@@ -34,18 +55,4 @@ if(NOT addresses EQUAL 2)
   message(FATAL_ERROR "${MODULE} exports ${addresses} addresses, expected 2")
 endif()
 
-string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${tables}")
-list(TRANSFORM imports REPLACE "^DLL Name: " "")
-list(TRANSFORM imports TOLOWER)
-list(REMOVE_DUPLICATES imports)
-if(NOT imports)
-  message(FATAL_ERROR "${MODULE} imports nothing; objdump's output was not understood")
-endif()
-set(system_dlls advapi32.dll bcrypt.dll kernel32.dll msvcrt.dll ntdll.dll ole32.dll oleaut32.dll
-                rpcrt4.dll shell32.dll ucrtbase.dll user32.dll ws2_32.dll)
-foreach(dll IN LISTS imports)
-  if(NOT dll IN_LIST system_dlls AND NOT dll MATCHES "^api-ms-win-")
-    message(FATAL_ERROR "${MODULE} imports ${dll}, which is not a Windows system DLL")
-  endif()
-endforeach()
 message(STATUS "${MODULE}: exports ${exports}; imports ${imports}")

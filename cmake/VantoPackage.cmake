@@ -126,6 +126,12 @@ if(WIN32)
   configure_file(${CMAKE_CURRENT_LIST_DIR}/register-vanto.cmd.in
                  ${CMAKE_BINARY_DIR}/register-vanto.cmd @ONLY NEWLINE_STYLE CRLF)
   install(PROGRAMS ${CMAKE_BINARY_DIR}/register-vanto.cmd DESTINATION ${VANTO_INSTALL_MODULEDIR})
+  # The example workspace and a demo on it with the programs of the package (see README.md,
+  # "On Windows").
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/demo.cmd.in ${CMAKE_BINARY_DIR}/demo.cmd @ONLY
+                 NEWLINE_STYLE CRLF)
+  install(PROGRAMS ${CMAKE_BINARY_DIR}/demo.cmd DESTINATION .)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/workspace DESTINATION examples)
 endif()
 
 # ---- Packages ----------------------------------------------------------------------------------
@@ -172,5 +178,13 @@ if(VANTO_BUILD_TESTS)
   set_tests_properties(Sdk.InstallsAndBuildsTheExampleHost PROPERTIES TIMEOUT 600)
   if(WIN32)
     set_tests_properties(Sdk.InstallsAndBuildsTheExampleHost PROPERTIES RESOURCE_LOCK wine-prefix)
+  endif()
+  if(WIN32 AND CMAKE_CROSSCOMPILING)
+    add_test(NAME Package.UnzipsAndRunsTheDemo
+             COMMAND ${CMAKE_COMMAND} -DBUILD=${CMAKE_BINARY_DIR} -DWORK=${CMAKE_BINARY_DIR}/zip-test
+                     -DWINE_RUN=${VANTO_WINE_RUN}
+                     -P ${PROJECT_SOURCE_DIR}/tests/sdk/PackageDemoTest.cmake)
+    set_tests_properties(Package.UnzipsAndRunsTheDemo PROPERTIES TIMEOUT 600
+                                                                 RESOURCE_LOCK wine-prefix)
   endif()
 endif()

@@ -133,7 +133,7 @@ void EmulatorConnector::LaunchApplication(const Core::TevString& arguments) {
     if (!platform::os::IsExecutableFile(program)) {
         throw CorvaneCommunicationException("Corvane connector is not installed");
     }
-    // Under Wine the emulator is a Linux program, which knows its data folder by the Unix name.
+    // A Linux emulator started from Wine knows its data folder by the Unix name.
     std::vector<std::wstring> words{L"serve", L"--data",
                                     platform::os::PathForProgram(program, DataFolder())};
     if (!arguments.empty()) {

@@ -16,12 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-#ifdef VANTO_EMULATOR_PROGRAM
-constexpr const char* ProgramPath = VANTO_EMULATOR_PROGRAM;
-#else
-constexpr const char* ProgramPath = "";
-#endif
-
 std::wstring ScratchFolder() {
     static int count = 0;
     const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
@@ -50,13 +44,9 @@ void RemoveTree(const fs::path& folder) {
     fs::remove(folder, ignored);
 }
 
+// The emulator of this build, by the name this program knows it by (under Wine its DOS name).
 std::wstring Program() {
-    return *ProgramPath == '\0' ? std::wstring() : platform::os::PathFromUnix(ProgramPath);
-}
-
-// The name the emulator (a Linux program) knows a file by.
-std::wstring ForEmulator(const std::wstring& path) {
-    return platform::os::PathForProgram(Program(), path);
+    return platform::os::PathFromUnix(VANTO_EMULATOR_PROGRAM);
 }
 
 // The component's default backend looks for an emulator through the environment, the user's
@@ -75,10 +65,6 @@ public:
     ::testing::AddGlobalTestEnvironment(new NoEmulator);
 
 } // namespace
-
-bool EmulatorProcess::Available() {
-    return !Program().empty();
-}
 
 EmulatorProcess::EmulatorProcess() : EmulatorProcess(Options()) {}
 
@@ -123,18 +109,14 @@ std::wstring EmulatorProcess::Document(const std::string& relative) const {
 
 void EmulatorProcess::Start() {
     const std::string before = Endpoint().secret; // a dead emulator's, replaced at the start
-    std::vector<std::wstring> arguments{L"serve", L"--data", ForEmulator(data_), L"--workspace",
-                                        ForEmulator(workspace_)};
-    if (ForEmulator(workspace_) != workspace_) {
-        // The component names the documents as it sees them.
-        arguments.insert(arguments.end(), {L"--client-root", workspace_});
-    }
+    std::vector<std::wstring> arguments{L"serve", L"--data", data_, L"--workspace", workspace_};
     if (!options_.user.empty()) {
         arguments.insert(arguments.end(), {L"--user", options_.user});
     }
     if (options_.cloudOf != nullptr) {
-        arguments.insert(arguments.end(),
-                         {L"--cloud", ForEmulator(options_.cloudOf->data_) + L"/corvane.db"});
+        arguments.insert(
+            arguments.end(),
+            {L"--cloud", (fs::path(options_.cloudOf->data_) / "corvane.db").wstring()});
     }
     const platform::os::LaunchedProgram launched =
         platform::os::LaunchDetached(Program(), arguments);
@@ -147,7 +129,7 @@ void EmulatorProcess::Start() {
 }
 
 void EmulatorProcess::Kill() {
-    ASSERT_NE(0u, pid_) << "no process to end: Wine gives the Unix program none";
+    ASSERT_NE(0u, pid_) << "no process to end";
     EXPECT_TRUE(platform::os::KillProcess(pid_));
     pid_ = 0;
 }
@@ -159,7 +141,7 @@ void EmulatorProcess::Stop() {
     } catch (...) {
         asked = false; // gone already
     }
-    // It removes its endpoint file last; Wine gives no process to wait on.
+    // It removes its endpoint file last, after closing its database.
     const fs::path endpoint = fs::path(data_) / "endpoint.json";
     for (int waited = 0; asked && fs::exists(endpoint) && waited < 10000; waited += 20) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));

@@ -2,9 +2,8 @@
 // example workspace), on a port of its own, and made the one the component's default backend
 // reaches; stopped and removed at the end. Elsewhere in the test program the default backend finds
 // no emulator.
-//
-// The Windows tests run under Wine and start the Linux emulator (a native build beside theirs):
-// both ends see the same files, the emulator by their Unix names, and the same loopback.
+// The emulator is a program of the tests' own platform: under Wine, corvane_emulator.exe, started
+// and named by Windows paths.
 #pragma once
 
 #include "connector/ConnectorLink.h"
@@ -24,9 +23,6 @@ public:
         bool current = true;
     };
 
-    // False where this build has no emulator program to start.
-    static bool Available();
-
     EmulatorProcess();
     explicit EmulatorProcess(Options options);
     ~EmulatorProcess();
@@ -35,8 +31,8 @@ public:
 
     // Starts (again) on the same data folder; waits until it has written its endpoint file.
     void Start();
-    // Ends it at once, as a crash would (not under Wine, where the emulator is no Windows process),
-    // leaving its endpoint file behind.
+    // Ends it at once, as a crash would (SIGKILL, TerminateProcess), leaving its endpoint file
+    // behind.
     void Kill();
     // Asks the emulator on this data folder, whoever started it, to stop and waits for it.
     void Stop();

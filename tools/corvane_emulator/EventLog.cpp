@@ -1,7 +1,11 @@
 #include "EventLog.h"
 
+#include "Text.h"
+
+#include "os/Service.h"
+
 #include <chrono>
-#include <ctime>
+#include <cstdio>
 #include <stdexcept>
 
 namespace vanto::emulator {
@@ -10,24 +14,20 @@ namespace {
 
 // ISO 8601 in UTC, to the millisecond.
 std::string UtcNow() {
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto millis =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() %
-        1000;
-    std::tm fields{};
-    gmtime_r(&seconds, &fields);
-    char text[40];
-    const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &fields);
-    std::snprintf(text + length, sizeof text - length, ".%03dZ", static_cast<int>(millis));
-    return text;
+    const auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(
+                            std::chrono::system_clock::now().time_since_epoch())
+                            .count();
+    std::string text = IsoTime(millis / 1000);
+    char fraction[8];
+    std::snprintf(fraction, sizeof fraction, ".%03d", static_cast<int>(millis % 1000));
+    return text.insert(text.size() - 1, fraction);
 }
 
 } // namespace
 
 EventLog::EventLog(const std::string& path) {
     if (!path.empty()) {
-        file_ = std::fopen(path.c_str(), "ae");
+        file_ = platform::os::OpenForAppending(path);
         if (file_ == nullptr) {
             throw std::runtime_error("cannot write the log " + path);
         }

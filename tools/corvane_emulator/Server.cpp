@@ -3,6 +3,8 @@
 #include "Text.h"
 
 #include "connector/ConnectorLink.h"
+#include "os/Os.h"
+#include "os/Service.h"
 #include "os/TextConversion.h"
 #include "protocol/Numbers.h"
 
@@ -14,11 +16,7 @@
 
 #include <array>
 #include <cstdio>
-#include <fcntl.h>
 #include <list>
-#include <stdexcept>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace vanto::emulator {
 
@@ -268,21 +266,11 @@ void Server::Accept() {
 }
 
 void Server::WriteEndpointFile(const std::string& path) const {
-    const std::string text = boost::json::serialize(boost::json::object{
-        {"Port", Port()}, {"Secret", secret_}, {"Pid", static_cast<std::int64_t>(::getpid())}});
-    const std::string temporary = path + ".new";
-    ::unlink(temporary.c_str());
-    const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (file < 0) {
-        throw std::runtime_error("cannot write " + temporary);
-    }
-    const bool written =
-        ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
-    const bool closed = ::close(file) == 0;
-    if (!written || !closed || std::rename(temporary.c_str(), path.c_str()) != 0) {
-        ::unlink(temporary.c_str());
-        throw std::runtime_error("cannot write " + path);
-    }
+    platform::os::WritePrivateFile(
+        path, boost::json::serialize(boost::json::object{
+                  {"Port", Port()},
+                  {"Secret", secret_},
+                  {"Pid", static_cast<std::int64_t>(platform::os::CurrentProcessId())}}));
 }
 
 void Server::RemoveEndpointFile(const std::string& path, const std::string& secret) {

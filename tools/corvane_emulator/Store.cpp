@@ -96,10 +96,13 @@ void Store::OpenSchema() {
         // The first emulator kept its version as a row of its settings.
         const std::string recorded =
             db_.QueryText("SELECT value FROM meta WHERE key = 'schema_version'").value_or("?");
-        if (recorded != std::to_string(SchemaVersion)) {
+        if (recorded != "1") {
             Refuse(recorded);
         }
         db_.Run("DELETE FROM meta WHERE key = 'schema_version'");
+        RekeyDocuments();
+    } else if (version == 1) {
+        RekeyDocuments();
     } else if (version != SchemaVersion) {
         Refuse(std::to_string(version));
     }
@@ -107,6 +110,16 @@ void Store::OpenSchema() {
     db_.Execute("DROP TABLE IF EXISTS faults");
     db_.Execute("PRAGMA user_version = " + std::to_string(SchemaVersion));
     transaction.Commit();
+}
+
+void Store::RekeyDocuments() {
+    std::vector<std::pair<std::int64_t, std::string>> documents;
+    for (Statement row = db_.Prepare("SELECT id, path FROM documents"); row.Step();) {
+        documents.emplace_back(row.Int(0), row.Text(1));
+    }
+    for (const auto& [id, path] : documents) {
+        db_.Run("UPDATE documents SET path_key = ? WHERE id = ?", PathKey(path), id);
+    }
 }
 
 void Store::RememberSetting(const std::string& key, const std::string& value) {

@@ -18,7 +18,8 @@
 
 namespace vanto::emulator {
 
-inline constexpr int SchemaVersion = 1;
+// 2: path keys fold case over all of Unicode (1 folded ASCII letters only).
+inline constexpr int SchemaVersion = 2;
 
 // Where the starting data comes from: a folder whose CAD files become documents, an import file
 // that adds users, projects, properties, revisions, relations and locks, and the root folder as
@@ -181,6 +182,8 @@ public:
 private:
     void RefuseIfDamaged(const std::string& path);
     void OpenSchema();
+    // Makes every document's path key again from its path (a database of schema version 1).
+    void RekeyDocuments();
     void Import(const Workspace& workspace, const std::string& defaultUser);
     Document ReadDocument(Statement& row);
 

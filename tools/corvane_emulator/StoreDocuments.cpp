@@ -104,7 +104,7 @@ std::int64_t Store::AddDocument(const std::string& path, std::int64_t container)
     const std::string componentId = Padded("CMP-", number);
     const std::string componentRevisionId = Padded("CRV-", Next("component-revision"));
     const std::string version = Padded("VER-", Next("version"));
-    std::string name = fs::path(path).stem().string();
+    std::string name = fs::u8path(path).stem().u8string();
     if (name.find('\\') != std::string::npos) {
         name = name.substr(name.rfind('\\') + 1);
     }

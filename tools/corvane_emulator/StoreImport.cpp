@@ -72,7 +72,7 @@ void Store::Reset(const Workspace& workspace, const std::string& defaultUser) {
 void Store::Import(const Workspace& workspace, const std::string& defaultUser) {
     json::object data;
     if (!workspace.importFile.empty()) {
-        std::ifstream file(workspace.importFile, std::ios::binary);
+        std::ifstream file(fs::u8path(workspace.importFile), std::ios::binary);
         if (!file) {
             throw std::runtime_error("cannot read the import file " + workspace.importFile);
         }
@@ -134,10 +134,11 @@ void Store::Import(const Workspace& workspace, const std::string& defaultUser) {
     std::vector<std::string> files;
     if (!workspace.folder.empty()) {
         std::error_code error;
-        for (fs::recursive_directory_iterator it(workspace.folder, error), end; !error && it != end;
+        const fs::path folder = fs::u8path(workspace.folder);
+        for (fs::recursive_directory_iterator it(folder, error), end; !error && it != end;
              it.increment(error)) {
-            if (it->is_regular_file(error) && IsCadExtension(it->path().extension().string())) {
-                files.push_back(it->path().lexically_relative(workspace.folder).generic_string());
+            if (it->is_regular_file(error) && IsCadExtension(it->path().extension().u8string())) {
+                files.push_back(it->path().lexically_relative(folder).generic_u8string());
             }
         }
         if (error) {

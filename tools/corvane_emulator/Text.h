@@ -10,7 +10,8 @@ namespace vanto::emulator {
 
 // ASCII letters folded to lower case.
 std::string Lower(std::string_view text);
-// How paths are compared: separators unified, ASCII letters folded, no trailing separator.
+// How paths are compared, as Windows compares file names: either separator, case folded over all
+// of Unicode (simple case folding), no trailing separator.
 std::string PathKey(std::string_view path);
 // Whether `path` is `folder` or lies below it (both compared as PathKey).
 bool IsUnder(std::string_view path, std::string_view folder);

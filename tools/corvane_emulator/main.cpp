@@ -9,14 +9,17 @@
 
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
+#include "connector/EmulatorConnector.h"
+#include "os/Console.h"
 #include "os/FileLock.h"
 #include "os/Os.h"
+#include "os/Service.h"
 #include "os/TextConversion.h"
 
 #include <CLI/CLI.hpp>
-#include <boost/asio/signal_set.hpp>
 #include <boost/json.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -28,15 +31,10 @@ namespace fs = std::filesystem;
 namespace json = boost::json;
 using namespace vanto::emulator;
 
+// Where the component looks for it: VANTO_CORVANE_DATA, else the user's data folder.
 std::string DefaultDataFolder() {
-    if (const char* data = std::getenv("VANTO_CORVANE_DATA"); data != nullptr && *data != '\0') {
-        return data;
-    }
-    if (const char* data = std::getenv("XDG_DATA_HOME"); data != nullptr && *data == '/') {
-        return std::string(data) + "/vanto/corvane-emulator";
-    }
-    const char* home = std::getenv("HOME");
-    return std::string(home != nullptr ? home : ".") + "/.local/share/vanto/corvane-emulator";
+    const std::wstring folder = Corvane::EmulatorConnector::DataFolder();
+    return folder.empty() ? "corvane-emulator" : platform::os::WideToUtf8(folder);
 }
 
 struct ServeOptions {
@@ -74,7 +72,7 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
     // Two desktops (two emulators, each with its user and data folder) may share one cloud.
     Store store(options.memory          ? ":memory:"
                 : options.cloud.empty() ? options.data + "/corvane.db"
-                                        : fs::absolute(options.cloud).string());
+                                        : fs::absolute(fs::u8path(options.cloud)).u8string());
     RememberWorkspace(store, workspace);
     HandlerOptions handlerOptions;
     if (!options.user.empty()) {
@@ -86,8 +84,7 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
 
     boost::asio::io_context io(1);
     Server server(io, handler, log, options.port);
-    boost::asio::signal_set signals(io, SIGINT, SIGTERM);
-    signals.async_wait([&](boost::system::error_code, int) { io.stop(); });
+    const platform::os::StopRequests stopRequests(io, [&io] { io.stop(); });
     server.WriteEndpointFile(options.endpointFile);
     const std::string serving = "serving " +
                                 (workspace.folder.empty() ? "(no workspace)" : workspace.folder) +
@@ -102,8 +99,8 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
 }
 
 int Serve(ServeOptions options) {
-    fs::create_directories(options.data);
-    fs::permissions(options.data, fs::perms::owner_all, fs::perm_options::replace);
+    fs::create_directories(fs::u8path(options.data));
+    fs::permissions(fs::u8path(options.data), fs::perms::owner_all, fs::perm_options::replace);
     // Held while this process lives: one emulator per data folder.
     const platform::os::FileLock lock(platform::os::Utf8ToWide(options.data + "/emulator.lock"));
     if (!lock.Held()) {
@@ -116,17 +113,18 @@ int Serve(ServeOptions options) {
     }
     Workspace& workspace = options.workspace;
     if (!workspace.folder.empty()) {
-        workspace.folder = fs::absolute(workspace.folder).lexically_normal().string();
-        while (workspace.folder.size() > 1 && workspace.folder.back() == '/') {
+        workspace.folder = fs::absolute(fs::u8path(workspace.folder)).lexically_normal().u8string();
+        while (workspace.folder.size() > 1 &&
+               (workspace.folder.back() == '/' || workspace.folder.back() == '\\')) {
             workspace.folder.pop_back();
         }
         const std::string guess = workspace.folder + "/corvane-import.json";
-        if (workspace.importFile.empty() && fs::exists(guess)) {
+        if (workspace.importFile.empty() && fs::exists(fs::u8path(guess))) {
             workspace.importFile = guess;
         }
     }
     if (!workspace.importFile.empty()) {
-        workspace.importFile = fs::absolute(workspace.importFile).string();
+        workspace.importFile = fs::absolute(fs::u8path(workspace.importFile)).u8string();
     }
 
     EventLog log(options.data + "/" + LogFileName);
@@ -172,12 +170,14 @@ int Control(const std::string& endpointFile, const json::object& request) {
 
 int main(int argc, char** argv) {
     CLI::App app{"Corvane connector emulator: serves the connector's protocol on this machine, "
-                 "with its state in SQLite"};
+                 "with its state in SQLite",
+                 "corvane_emulator"};
     app.require_subcommand(1);
 
     ServeOptions serve;
     serve.data = DefaultDataFolder();
-    CLI::App* serveCommand = app.add_subcommand("serve", "Serve until stopped (SIGINT, SIGTERM)");
+    CLI::App* serveCommand =
+        app.add_subcommand("serve", "Serve until stopped (Ctrl+C, SIGTERM, stop)");
     serveCommand->add_option("--data", serve.data, "Data folder (database and endpoint file)")
         ->capture_default_str();
     serveCommand->add_option("--workspace", serve.workspace.folder,
@@ -246,8 +246,11 @@ int main(int argc, char** argv) {
     control("reset", "Empty the database and import the workspace again");
     control("stop", "Stop serving");
 
+    std::vector<std::string> arguments = platform::os::Utf8Arguments(argc, argv);
+    std::reverse(arguments.begin(), arguments.end());
+    arguments.pop_back(); // the program's own name
     try {
-        app.parse(argc, argv);
+        app.parse(arguments);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
             return app.exit(error);

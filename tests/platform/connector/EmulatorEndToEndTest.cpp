@@ -2,10 +2,12 @@
 // transport and a running emulator on the example workspace (Ada Byrne signed in). The file
 // services on this path are checked through the host tool (tests/tools/vanto_host/HostCliTest).
 #include "connector/CorvaneClient.h"
+#include "os/TextConversion.h"
 #include "session/SessionState.h"
 #include "support/ComTestSupport.h"
 #include "support/EmulatorProcess.h"
 
+#include <boost/json.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,9 +18,6 @@ using ::testing::HasSubstr;
 class EmulatorSession : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!testsupport::EmulatorProcess::Available()) {
-            GTEST_SKIP() << "this build has no emulator program to start";
-        }
         vanto::ResetSessionStateForTesting();
         emulator = std::make_unique<testsupport::EmulatorProcess>();
         manager = std::make_unique<testsupport::ManagerHandle>();
@@ -77,6 +76,11 @@ TEST_F(EmulatorSession, StartLaunchesTheEmulatorAndWaitsUntilItIsReady) {
     EXPECT_FALSE(timedOut);
     EXPECT_TRUE(session->IsCorvaneRunning());
     EXPECT_TRUE(session->IsConnected(true));
+    // A program of the component's platform, given its data folder as that platform names it.
+    EXPECT_THAT(
+        emulator->Control(R"({"Action":"status"})"),
+        HasSubstr("\"DataFolder\":" + boost::json::serialize(boost::json::value(
+                                          platform::os::WideToUtf8(emulator->DataFolder())))));
     // It took the workspace of the earlier start from its database.
     RootFolderSet roots;
     EXPECT_EQ(S_OK, session->GetRootFolders(&roots));

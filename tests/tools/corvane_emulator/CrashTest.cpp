@@ -5,10 +5,12 @@
 
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
+#include "os/Os.h"
 #include "protocol/commands/MCADCommands.h"
 #include "protocol/registration/Registration.h"
 #include "support/EmulatorProcess.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -25,7 +27,8 @@ using namespace Corvane::CommandIO::DataManagement::MCAD;
 TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
     constexpr std::size_t Answered = 40;
     const fs::path workspace =
-        fs::temp_directory_path() / ("vanto-crash-workspace-" + std::to_string(::getpid()));
+        fs::temp_directory_path() /
+        ("vanto-crash-workspace-" + std::to_string(platform::os::CurrentProcessId()));
     fs::create_directories(workspace);
     std::vector<std::string> parts;
     for (std::size_t i = 0; i <= Answered; ++i) {
@@ -68,7 +71,8 @@ TEST(EmulatorRestart, AKillMidSeriesKeepsEveryLockAnsweredAsTaken) {
     emulator.Start(); // over the dead one's endpoint file
     const std::string locks = emulator.Control(R"({"Action":"locks"})");
     for (std::size_t i = 0; i <= Answered; ++i) {
-        EXPECT_EQ(i < Answered, locks.find("\"" + parts[i] + "\"") != std::string::npos) << i;
+        const std::string quoted = boost::json::serialize(boost::json::value(parts[i]));
+        EXPECT_EQ(i < Answered, locks.find(quoted) != std::string::npos) << i;
     }
     EXPECT_NE(std::string::npos, emulator.Control(R"({"Action":"status"})").find(R"("Faults":[])"));
     // The session of before the kill is still known.

@@ -3,6 +3,7 @@
 // locks held after it.
 #include "Handler.h"
 
+#include "os/Process.h"
 #include "protocol/Catalogue.h"
 
 #include <boost/json.hpp>
@@ -11,16 +12,21 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <tuple>
 
 namespace {
 
 using namespace vanto::emulator;
 using Corvane::CommandIO::CommandOutputBase;
 
-const std::string Workspace_ = VANTO_EXAMPLES_DIR "/workspace";
+// The example workspace where this program reads it (under Wine by its DOS name), and the folder
+// as the clients of these tests name it: the same on every platform.
+const std::filesystem::path Folder =
+    std::filesystem::path(platform::os::PathFromUnix(VANTO_EXAMPLES_DIR "/workspace"));
+const std::string Workspace_ = "/client/workspace";
 
 // Requests ("operation body") and the pieces looked for in answers are written with ' for ",
-// "$" for the folder of the example workspace and "@" for the session.
+// "$" for the workspace folder as clients name it and "@" for the session.
 const std::string Shaft = "$/Gearbox/Shaft/shaft.par";
 const std::string Housing = "$/Gearbox/housing.psm"; // locked by Ben Okafor
 const std::string Cover = "$/Gearbox/cover.par";     // read-only for Ada Byrne
@@ -96,8 +102,10 @@ struct Emulator {
     }
 
     Store store{":memory:"};
-    Handler handler{
-        store, {"Ada Byrne", {Workspace_, Workspace_ + "/corvane-import.json", ""}, "/scratch"}};
+    Handler handler{store,
+                    {"Ada Byrne",
+                     {Folder.u8string(), (Folder / "corvane-import.json").u8string(), Workspace_},
+                     "/scratch"}};
     std::string session;
 };
 
@@ -276,14 +284,17 @@ TEST(EmulatorHandler, AnswersEveryCommandOfTheCatalogueAndNoOther) {
 }
 
 // A database written by this emulator, then marked as another emulator would have left it: the
-// first one kept its version as a row of its settings, before the database's user_version.
+// first one kept its version as a row of its settings, before the database's user_version; up to
+// version 1 path keys folded ASCII letters only, and a stale key must be made again.
 TEST(EmulatorStore, OpensOrMovesOverKnownVersionsAndRefusesOthers) {
+    const std::string stale = "; UPDATE documents SET path_key = 'stale'";
     const struct {
-        const char* marking;
+        std::string marking;
         bool opens;
     } cases[] = {
         {"", true},
-        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '1')", true},
+        {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '1')" + stale, true},
+        {"PRAGMA user_version = 1" + stale, true},
         {"PRAGMA user_version = 0; INSERT INTO meta VALUES ('schema_version', '99')", false},
         {"PRAGMA user_version = 0", false},
         {"PRAGMA user_version = 99", false},
@@ -291,18 +302,39 @@ TEST(EmulatorStore, OpensOrMovesOverKnownVersionsAndRefusesOthers) {
     const auto path = std::filesystem::temp_directory_path() / "vanto-schema-version.db";
     for (const auto& c : cases) {
         std::filesystem::remove(path);
-        Store(path.string()).EnsureUser("Cy");
+        Store(path.string()).AddDocument("C:\\Über\\Welle.par", 0);
         Database(path.string()).Execute(c.marking);
         if (!c.opens) {
             EXPECT_THROW(Store{path.string()}, SqliteError) << c.marking;
             continue;
         }
         Store store(path.string());
-        EXPECT_TRUE(store.FindUser("Cy")) << c.marking;
-        EXPECT_EQ(1, Database(path.string()).QueryInt("PRAGMA user_version")) << c.marking;
+        EXPECT_TRUE(store.FindDocument("c:/üBER/welle.PAR")) << c.marking;
+        EXPECT_EQ(SchemaVersion, Database(path.string()).QueryInt("PRAGMA user_version"))
+            << c.marking;
         EXPECT_EQ("", store.Setting("schema_version")) << c.marking;
     }
     std::filesystem::remove(path);
+}
+
+// Beyond what the store's lookup above shows (slashes, case of the drive letter and of Ü): other
+// scripts fold too, one letter never becomes two, and bytes that are no UTF-8 stay as they are.
+TEST(EmulatorText, PathKeysAndTimes) {
+    const std::tuple<const char*, const char*, bool> paths[] = {
+        {"C:\\Ωmega-Ǆ.par", "c:\\ωMEGA-ǆ.par", true},
+        {"C:\\Straße.par", "C:\\STRASSE.par", false},
+        {"\xFF\\A", "\xFF/a", true},
+        {"\xC3\\A", "\xE3/a", false},
+    };
+    for (const auto& [a, b, same] : paths) {
+        EXPECT_EQ(same, PathKey(a) == PathKey(b)) << a << " " << b;
+    }
+    const std::pair<std::int64_t, const char*> times[] = {{-1, "1969-12-31T23:59:59Z"},
+                                                          {951782400, "2000-02-29T00:00:00Z"},
+                                                          {4102444799, "2099-12-31T23:59:59Z"}};
+    for (const auto& [seconds, text] : times) {
+        EXPECT_EQ(text, IsoTime(seconds));
+    }
 }
 
 } // namespace

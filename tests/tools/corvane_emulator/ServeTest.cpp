@@ -6,6 +6,8 @@
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
 #include "os/ChildProcess.h"
+#include "os/Os.h"
+#include "os/Process.h"
 #include "os/TextConversion.h"
 #include "support/EmulatorProcess.h"
 
@@ -40,7 +42,9 @@ std::string ReadFile(const fs::path& path) {
 }
 
 platform::os::ProgramRun Emulator(std::vector<std::string> arguments) {
-    return platform::os::RunProgram(VANTO_EMULATOR_PROGRAM, std::move(arguments), Patience);
+    return platform::os::RunProgram(
+        platform::os::WideToUtf8(platform::os::PathFromUnix(VANTO_EMULATOR_PROGRAM)),
+        std::move(arguments), Patience);
 }
 
 // A registered session's id.
@@ -166,12 +170,15 @@ TEST(EmulatorServe, SilentConnectionsNeitherCrowdOutAClientNorFillTheLog) {
 
 // Garbage over every page but the first (the header), so that SQLite opens the file.
 TEST(EmulatorServe, ADamagedDatabaseIsRefusedNamedAndLeftAsItIs) {
-    const fs::path data =
-        fs::temp_directory_path() / ("vanto-damaged-" + std::to_string(::getpid()));
+    const fs::path data = fs::temp_directory_path() /
+                          ("vanto-damaged-" + std::to_string(platform::os::CurrentProcessId()));
     fs::create_directories(data);
     const fs::path database = data / "corvane.db";
     vanto::emulator::Store(database.string())
-        .ImportIfEmpty({VANTO_EXAMPLES_DIR "/workspace", "", ""}, "Ada Byrne");
+        .ImportIfEmpty(
+            {platform::os::WideToUtf8(platform::os::PathFromUnix(VANTO_EXAMPLES_DIR "/workspace")),
+             "", ""},
+            "Ada Byrne");
     std::string bytes = ReadFile(database);
     const std::size_t page = (std::size_t{static_cast<unsigned char>(bytes[16])} << 8) |
                              static_cast<unsigned char>(bytes[17]);
