@@ -18,11 +18,12 @@ void __libc_free(void* block);
 
 namespace {
 
+std::atomic<bool> counting{false};
 std::atomic<std::int64_t> inUse{0};
 std::atomic<std::int64_t> peak{0};
 
 void Added(void* block) noexcept {
-    if (block == nullptr) {
+    if (block == nullptr || !counting.load(std::memory_order_relaxed)) {
         return;
     }
     const auto now = inUse.fetch_add(static_cast<std::int64_t>(malloc_usable_size(block))) +
@@ -33,7 +34,7 @@ void Added(void* block) noexcept {
 }
 
 void Removed(void* block) noexcept {
-    if (block != nullptr) {
+    if (block != nullptr && counting.load(std::memory_order_relaxed)) {
         inUse.fetch_sub(static_cast<std::int64_t>(malloc_usable_size(block)));
     }
 }
@@ -92,14 +93,14 @@ namespace bench {
 bool PeakMemoryAvailable() noexcept {
     return true;
 }
-std::int64_t HeapInUse() noexcept {
-    return inUse.load();
+void StartHeapCount() noexcept {
+    inUse.store(0);
+    peak.store(0);
+    counting.store(true);
 }
-std::int64_t HeapPeak() noexcept {
+std::int64_t StopHeapCount() noexcept {
+    counting.store(false);
     return peak.load();
-}
-void ResetHeapPeak() noexcept {
-    peak.store(inUse.load());
 }
 
 } // namespace bench
@@ -111,13 +112,10 @@ namespace bench {
 bool PeakMemoryAvailable() noexcept {
     return false;
 }
-std::int64_t HeapInUse() noexcept {
+void StartHeapCount() noexcept {}
+std::int64_t StopHeapCount() noexcept {
     return 0;
 }
-std::int64_t HeapPeak() noexcept {
-    return 0;
-}
-void ResetHeapPeak() noexcept {}
 
 } // namespace bench
 

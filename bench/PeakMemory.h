@@ -1,16 +1,19 @@
-// Heap bytes in use and their high-water mark, for every allocation of the process (the C
-// library's allocator is wrapped, so the core library's memory and std::string's are both seen).
+// The high-water mark of heap bytes in use over a stretch of code, for every allocation of the
+// process (the C library's allocator is wrapped, so the core library's memory and std::string's
+// are both seen). Counting is on only inside that stretch, so that the timed benchmarks pay
+// nothing for it.
 #pragma once
 
 #include <cstdint>
 
 namespace bench {
 
-// False where the allocator cannot be wrapped; the figures below are then 0.
+// False where the allocator cannot be wrapped; the peak is then 0.
 bool PeakMemoryAvailable() noexcept;
-std::int64_t HeapInUse() noexcept;
-std::int64_t HeapPeak() noexcept;
-// Starts a new high-water mark at the present use.
-void ResetHeapPeak() noexcept;
+// Counts from zero: every block allocated from now on adds its size, every block freed takes it
+// away (a block allocated before the start as well, so free nothing older in the stretch).
+void StartHeapCount() noexcept;
+// Stops counting; the most bytes in use at once since the start.
+std::int64_t StopHeapCount() noexcept;
 
 } // namespace bench

@@ -30,4 +30,9 @@ public:
 void PrintRatio(const RatioReporter& reporter, const std::string& what, const std::string& ours,
                 const std::string& theirs, double target);
 
+// Prints "<what> ratio: R (<ours> T ms / <theirs> T ms; target >= X) ok" (or UNDER TARGET), R
+// being the speed of ours over that of theirs (their time over ours), or "not measured".
+void PrintSpeedRatio(const RatioReporter& reporter, const std::string& what,
+                     const std::string& ours, const std::string& theirs, double target);
+
 } // namespace bench

@@ -11,8 +11,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace vanto::protocol {
 
@@ -37,8 +39,10 @@ bool FitsInt32(std::int64_t value) noexcept {
 using TextList = Core::DynamicArray<Core::TevString>;
 using IntegerList = Core::DynamicArray<std::int32_t>;
 
-// Moves a value of the field's kind from `source` to the member at `target`.
-void MoveValue(const Field& field, void* target, void* source) noexcept {
+// Moves one member of a finished record into the caller's record.
+void TakeOver(const Field& field, void* to, void* from) noexcept {
+    void* target = field.member(to);
+    void* source = field.member(from);
     switch (field.kind) {
     case Kind::Text:
         *static_cast<Core::TevString*>(target) = std::move(*static_cast<Core::TevString*>(source));
@@ -59,14 +63,20 @@ void MoveValue(const Field& field, void* target, void* source) noexcept {
         field.nested().moveRecord(target, source);
         break;
     case Kind::Records:
-        field.nested().listMove(target, source);
+        field.nested().moveList(target, source);
         break;
     }
 }
 
-// Moves one member of a finished record into the caller's record.
-void TakeOver(const Field& field, void* to, void* from) noexcept {
-    MoveValue(field, field.member(to), field.member(from));
+// The list of the elements from `start` on, at its final size (one allocation, no growing), the
+// elements taken out of `pending`.
+template <class List, class Pending> List TakeList(Pending& pending, std::size_t start) {
+    List list;
+    list.reserve(pending.size() - start);
+    list.insert(list.end(), std::make_move_iterator(pending.begin() + start),
+                std::make_move_iterator(pending.end()));
+    pending.resize(start);
+    return list;
 }
 
 // basic_parser handler that builds records as the events come.
@@ -104,7 +114,7 @@ public:
             Push(Frame::Type::Record, &schema_, top_, nullptr);
             return true;
         }
-        Frame& frame = frames_[depth_ - 1];
+        Frame& frame = Top();
         switch (frame.type) {
         case Frame::Type::Record: {
             const Field* field = TakePending(frame);
@@ -132,13 +142,13 @@ public:
             --skip_;
             return true;
         }
-        const Frame& done = frames_[--depth_];
+        const Frame done = frames_[--depth_];
         if (depth_ == 0) {
             return true; // the top record itself
         }
-        Frame& parent = frames_[depth_ - 1];
+        Frame& parent = Top();
         if (parent.type == Frame::Type::Records) {
-            parent.schema->listAppend(parent.List(), done.object);
+            Keep(*done.schema, done.object);
         } else if (members > 0) {
             done.schema->adopt(done.field->member(parent.object), done.object);
             MarkCompleted(done.field, depth_);
@@ -153,27 +163,29 @@ public:
             ++skip_;
             return true;
         }
-        Frame& frame = frames_[depth_ - 1];
-        if (frame.type == Frame::Type::Record) {
-            const Field* field = TakePending(frame);
-            if (field == nullptr) {
-                ++skip_;
-            } else if (field->kind == Kind::Texts) {
-                Push(Frame::Type::Texts, nullptr, nullptr, field);
-                ::new (frames_[depth_ - 1].List()) TextList();
-            } else if (field->kind == Kind::Integers) {
-                Push(Frame::Type::Integers, nullptr, nullptr, field);
-                ::new (frames_[depth_ - 1].List()) IntegerList();
-            } else if (field->kind == Kind::Records) {
-                const Schema& nested = field->nested();
-                Push(Frame::Type::Records, &nested, nullptr, field);
-                nested.listConstruct(frames_[depth_ - 1].List());
-            } else {
-                ++skip_;
-            }
-        } else {
+        Frame& frame = Top();
+        if (frame.type != Frame::Type::Record) {
             AppendDefault(frame);
             ++skip_;
+            return true;
+        }
+        const Field* field = TakePending(frame);
+        switch (field != nullptr ? field->kind : Kind::Text) {
+        case Kind::Texts:
+            Push(Frame::Type::Texts, nullptr, nullptr, field);
+            Top().start = texts_.size();
+            break;
+        case Kind::Integers:
+            Push(Frame::Type::Integers, nullptr, nullptr, field);
+            Top().start = integers_.size();
+            break;
+        case Kind::Records:
+            Push(Frame::Type::Records, &field->nested(), nullptr, field);
+            Top().start = records_.size();
+            break;
+        default:
+            ++skip_;
+            break;
         }
         return true;
     }
@@ -183,10 +195,20 @@ public:
             --skip_;
             return true;
         }
-        Frame& done = frames_[depth_ - 1];
+        Frame& done = Top();
         if (elements > 0) {
-            const Frame& parent = frames_[depth_ - 2];
-            MoveValue(*done.field, done.field->member(parent.object), done.List());
+            void* member = done.field->member(frames_[depth_ - 2].object);
+            switch (done.type) {
+            case Frame::Type::Texts:
+                *static_cast<TextList*>(member) = TakeList<TextList>(texts_, done.start);
+                break;
+            case Frame::Type::Integers:
+                *static_cast<IntegerList*>(member) = TakeList<IntegerList>(integers_, done.start);
+                break;
+            default:
+                SetRecords(done, member);
+                break;
+            }
             MarkCompleted(done.field, depth_ - 1);
         }
         Release(done);
@@ -210,7 +232,7 @@ public:
         if (skip_ > 0) {
             return true;
         }
-        Frame& frame = frames_[depth_ - 1];
+        Frame& frame = Top();
         if (keyTooLong_ || key_.size() + part.size() > MaxKeyLength) {
             frame.pending = nullptr;
         } else if (key_.empty()) {
@@ -235,21 +257,11 @@ public:
         if (skip_ > 0 || depth_ == 0) {
             return true;
         }
-        Frame& frame = frames_[depth_ - 1];
-        Core::TevString value;
-        if (WantsText()) {
-            if (text_.empty()) {
-                value = Core::TevString(View(part));
-            } else {
-                text_.append(part.data(), part.size());
-                value = Core::TevString(std::move(text_));
-                text_.clear();
-            }
-        }
+        Frame& frame = Top();
         if (frame.type == Frame::Type::Texts) {
-            static_cast<TextList*>(frame.List())->push_back(std::move(value));
+            texts_.push_back(TakeText(part));
         } else if (const Field* field = Scalar(frame, Kind::Text)) {
-            *static_cast<Core::TevString*>(field->member(frame.object)) = std::move(value);
+            *static_cast<Core::TevString*>(field->member(frame.object)) = TakeText(part);
             MarkCompleted(field, depth_);
         } else {
             AppendDefault(frame);
@@ -264,9 +276,9 @@ public:
         if (skip_ > 0 || depth_ == 0) {
             return true;
         }
-        Frame& frame = frames_[depth_ - 1];
+        Frame& frame = Top();
         if (frame.type == Frame::Type::Integers) {
-            static_cast<IntegerList*>(frame.List())->push_back(static_cast<std::int32_t>(value));
+            integers_.push_back(static_cast<std::int32_t>(value));
         } else if (const Field* field = Scalar(frame, Kind::Integer)) {
             *static_cast<std::int32_t*>(field->member(frame.object)) =
                 static_cast<std::int32_t>(value);
@@ -285,7 +297,7 @@ public:
         if (skip_ > 0 || depth_ == 0) {
             return true;
         }
-        Frame& frame = frames_[depth_ - 1];
+        Frame& frame = Top();
         if (const Field* field = Scalar(frame, Kind::Flag)) {
             *static_cast<bool*>(field->member(frame.object)) = value;
             MarkCompleted(field, depth_);
@@ -308,24 +320,17 @@ private:
         // Record: the member named by the last key; null when the key names none.
         const Field* pending;
         // Record: where the next key is looked for first (keys mostly come in declared order).
-        std::size_t next;
-        // Lists: the new list, built here and moved into the member when complete.
-        alignas(ListStorageModel) unsigned char storage[sizeof(ListStorageModel)];
-
-        void* List() noexcept { return storage; }
+        // Lists: where the list's elements start in the builder's elements of that kind.
+        std::size_t start;
     };
 
+    Frame& Top() noexcept { return frames_[depth_ - 1]; }
+
     void Push(Frame::Type type, const Schema* schema, void* object, const Field* field) noexcept {
-        Frame& frame = frames_[depth_++];
-        frame.type = type;
-        frame.schema = schema;
-        frame.object = object;
-        frame.field = field;
-        frame.pending = nullptr;
-        frame.next = 0;
+        frames_[depth_++] = Frame{type, schema, object, field, nullptr, 0};
     }
 
-    void Release(Frame& frame) noexcept {
+    void Release(const Frame& frame) noexcept {
         switch (frame.type) {
         case Frame::Type::Record:
             if (frame.object != top_) {
@@ -333,15 +338,39 @@ private:
             }
             break;
         case Frame::Type::Texts:
-            static_cast<TextList*>(frame.List())->~TextList();
+            texts_.resize(frame.start);
             break;
         case Frame::Type::Integers:
-            static_cast<IntegerList*>(frame.List())->~IntegerList();
+            integers_.resize(frame.start);
             break;
         case Frame::Type::Records:
-            frame.schema->listDestroy(frame.List());
+            for (std::size_t i = frame.start; i < records_.size(); ++i) {
+                frame.schema->destroy(records_[i]);
+            }
+            records_.resize(frame.start);
             break;
         }
+    }
+
+    // A finished element of a list of records, owned by the builder until the list is complete.
+    void Keep(const Schema& schema, void* record) {
+        try {
+            records_.push_back(record);
+        } catch (...) {
+            schema.destroy(record);
+            throw;
+        }
+    }
+
+    void SetRecords(const Frame& done, void* member) {
+        const std::size_t start = done.start;
+        try {
+            done.schema->setList(member, records_.data() + start, records_.size() - start);
+        } catch (...) {
+            records_.resize(start); // setList has destroyed them
+            throw;
+        }
+        records_.resize(start);
     }
 
     void Find(Frame& frame, std::string_view key) noexcept {
@@ -349,12 +378,19 @@ private:
         if (frame.type != Frame::Type::Record) {
             return;
         }
-        const Schema& schema = *frame.schema;
-        for (std::size_t tried = 0; tried < schema.count; ++tried) {
-            const std::size_t index = (frame.next + tried) % schema.count;
-            if (schema.fields[index].key == key) {
-                frame.pending = &schema.fields[index];
-                frame.next = index + 1;
+        const Field* fields = frame.schema->fields;
+        const std::size_t count = frame.schema->count;
+        for (std::size_t index = frame.start; index < count; ++index) {
+            if (fields[index].key == key) {
+                frame.pending = &fields[index];
+                frame.start = index + 1;
+                return;
+            }
+        }
+        for (std::size_t index = 0; index < frame.start && index < count; ++index) {
+            if (fields[index].key == key) {
+                frame.pending = &fields[index];
+                frame.start = index + 1;
                 return;
             }
         }
@@ -386,15 +422,21 @@ private:
                 frame.pending->kind == Kind::Text);
     }
 
+    // The string that ends with `last`: straight from the text, or joined with the parts before.
+    Core::TevString TakeText(string_view last) {
+        if (text_.empty()) {
+            return Core::TevString(View(last));
+        }
+        text_.append(last.data(), last.size());
+        Core::TevString value(std::move(text_));
+        text_.clear();
+        return value;
+    }
+
     // A value that no member takes as data: in a list it still takes its place.
     bool OtherValue() {
         if (skip_ == 0 && depth_ > 0) {
-            Frame& frame = frames_[depth_ - 1];
-            if (frame.type == Frame::Type::Record) {
-                frame.pending = nullptr;
-            } else {
-                AppendDefault(frame);
-            }
+            AppendDefault(Top());
         }
         return true;
     }
@@ -405,13 +447,13 @@ private:
             frame.pending = nullptr;
             break;
         case Frame::Type::Texts:
-            static_cast<TextList*>(frame.List())->emplace_back();
+            texts_.emplace_back();
             break;
         case Frame::Type::Integers:
-            static_cast<IntegerList*>(frame.List())->push_back(0);
+            integers_.push_back(0);
             break;
         case Frame::Type::Records:
-            frame.schema->listAppend(frame.List(), frame.schema->create());
+            Keep(*frame.schema, frame.schema->create());
             break;
         }
     }
@@ -432,6 +474,11 @@ private:
     std::string key_;
     bool keyTooLong_ = false;
     std::string text_;
+    // The elements of the lists being read, innermost list last: each list is made at its final
+    // size once complete.
+    std::vector<Core::TevString> texts_;
+    std::vector<std::int32_t> integers_;
+    std::vector<void*> records_;
     std::uint64_t& completed_;
 };
 

@@ -41,7 +41,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <new>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -77,18 +76,14 @@ struct Schema {
     void (*adopt)(void* member, void* record) noexcept;
     const void* (*get)(const void* member) noexcept;
     void (*moveRecord)(void* to, void* from) noexcept;
-    // On a Core::DynamicArray<Core::UniquePtr<R>> member or list under construction.
-    void (*listConstruct)(void* storage) noexcept;
-    void (*listDestroy)(void* list) noexcept;
-    void (*listAppend)(void* list, void* record); // takes ownership even when it throws
-    void (*listMove)(void* to, void* from) noexcept;
+    // On a Core::DynamicArray<Core::UniquePtr<R>> member: puts a new list of the `count` records
+    // at `records` in its place, the old one released. Takes the records over, also when it
+    // throws (it then destroys them and leaves the member as it was).
+    void (*setList)(void* member, void* const* records, std::size_t count);
+    void (*moveList)(void* to, void* from) noexcept;
     std::size_t (*listSize)(const void* list) noexcept;
     const void* (*listAt)(const void* list, std::size_t index) noexcept;
 };
-
-// Every list type has the size and alignment of this one, so a reader can build any of them in
-// the same storage.
-using ListStorageModel = Core::DynamicArray<std::int32_t>;
 
 // Reads `json` into `record` as the header comment describes. Never throws.
 void ReadRecord(void* record, const Schema& schema, std::string_view json) noexcept;
@@ -152,9 +147,6 @@ template <class T> const Schema& SchemaOf() noexcept {
     using Members = boost::describe::describe_members<T, boost::describe::mod_public |
                                                              boost::describe::mod_inherited>;
     using List = Core::DynamicArray<Core::UniquePtr<T>>;
-    static_assert(sizeof(List) == sizeof(ListStorageModel) &&
-                      alignof(List) == alignof(ListStorageModel),
-                  "lists are built in shared storage");
     static const auto fields = detail::MakeFields<T>(static_cast<Members*>(nullptr));
     static_assert(std::tuple_size<decltype(fields)>::value <= 64, "reader marks fields in 64 bits");
     static const Schema schema{
@@ -172,11 +164,20 @@ template <class T> const Schema& SchemaOf() noexcept {
             *static_cast<Core::UniquePtr<T>*>(to) =
                 std::move(*static_cast<Core::UniquePtr<T>*>(from));
         },
-        [](void* storage) noexcept { ::new (storage) List(); },
-        [](void* list) noexcept { static_cast<List*>(list)->~List(); },
-        [](void* list, void* record) {
-            Core::UniquePtr<T> owned(static_cast<T*>(record));
-            static_cast<List*>(list)->push_back(std::move(owned));
+        [](void* member, void* const* records, std::size_t count) {
+            List list;
+            try {
+                list.reserve(count);
+            } catch (...) {
+                for (std::size_t i = 0; i < count; ++i) {
+                    delete static_cast<T*>(records[i]);
+                }
+                throw;
+            }
+            for (std::size_t i = 0; i < count; ++i) {
+                list.emplace_back(static_cast<T*>(records[i]));
+            }
+            *static_cast<List*>(member) = std::move(list);
         },
         [](void* to, void* from) noexcept {
             *static_cast<List*>(to) = std::move(*static_cast<List*>(from));
