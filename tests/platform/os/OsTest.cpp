@@ -49,14 +49,6 @@ TEST(OsCompareNoCase, FoldsAsciiLettersToLowerCaseThenComparesUnsigned) {
     }
 }
 
-TEST(OsUser, LogonNameIsPlainText) {
-    const std::wstring name = platform::os::LogonUserName();
-    ASSERT_FALSE(name.empty());
-    // No terminator or separator leaks into the name.
-    EXPECT_EQ(std::wstring::npos, name.find(L'\0'));
-    EXPECT_EQ(std::wstring::npos, name.find_first_of(L"\\/:"));
-}
-
 TEST(Paths, DriveZMapsUnderItsRootWithSlashes) {
     const testsupport::ScopedDriveRoot restored;
     if (!platform::os::MoveDriveRoot(L"/srv/drive-z//")) {

@@ -106,13 +106,11 @@ TEST(HostCliUsage, EveryKindOfBadInvocationIsAUsageErrorNamingTheProblem) {
         {{}, "A subcommand is required"},
         {{"chekout", "a.par"}, "unknown subcommand 'chekout'"},
         {{"checkout"}, "PATH is required"},
-        {{"children", "bogus"}, "unknown subcommand 'bogus'"},
         {{"children", "add", "parent.asm"}, "CHILD is required"},
         {{"next-id", "folder"}, "EXTENSION is required"},
         {{"status", "a.par", "b.par"}, "not expected"},
         {{"--colour", "roots"}, "not expected"},
         {{"status", notText}, "PATH: not UTF-8 text"},
-        {{"where-used", "ok.par", notText}, "not UTF-8 text"},
         {{"status", ""}, "a path cannot be empty"},
         {{"next-id", "folder", "par", "--count", "many"}, "count"},
         // What the component's types cannot carry is refused before anything is sent.
