@@ -90,7 +90,8 @@ void WritePrivateFile(const std::string& path, std::string_view contents) {
 }
 
 std::FILE* OpenForAppending(const std::string& path) {
-    return ::_wfopen(Utf8ToWide(path).c_str(), L"aN");
+    // Binary: lines end as on Linux, whatever reads them.
+    return ::_wfopen(Utf8ToWide(path).c_str(), L"abN");
 }
 
 // The console's handler runs on a thread of its own: it reaches the one live StopRequests through

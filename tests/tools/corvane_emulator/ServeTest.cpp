@@ -102,10 +102,10 @@ TEST(EmulatorServe, AClientThatGaveUpWaitingHasNoLockTaken) {
     emulator.Control(
         R"({"Action":"fault","Command":"LOCKDESIGNREVISIONS","LatencyMs":600000,"Times":1})");
     Corvane::ConnectorLink hasty(std::chrono::seconds(1));
+    const json::value shaft(emulator.WorkspaceFolder() + "/Gearbox/Shaft/shaft.par");
     const std::string lock = R"({"Command":"LOCKDESIGNREVISIONS","SessionId":")" +
-                             Register(hasty, emulator) + R"(","DesignIdentifiers":[{"Value":")" +
-                             emulator.WorkspaceFolder() +
-                             R"(/Gearbox/Shaft/shaft.par"}],"TimeToLive":-1})";
+                             Register(hasty, emulator) + R"(","DesignIdentifiers":[{"Value":)" +
+                             json::serialize(shaft) + R"(}],"TimeToLive":-1})";
     EXPECT_THROW(hasty.Call(emulator.Endpoint(), "execute", lock),
                  Corvane::CorvaneCommunicationException);
     // Drawn, the fault leaves the list: the request has arrived.
@@ -187,7 +187,7 @@ TEST(EmulatorServe, ADamagedDatabaseIsRefusedNamedAndLeftAsItIs) {
     const auto run = Emulator({"serve", "--data", data.string()});
     EXPECT_TRUE(run.finished);
     EXPECT_EQ(1, run.exitCode);
-    EXPECT_NE(std::string::npos, run.err.find(database.string() + " is damaged")) << run.err;
+    EXPECT_NE(std::string::npos, run.err.find(data.string() + "/corvane.db is damaged")) << run.err;
     EXPECT_EQ(bytes, ReadFile(database));
     fs::remove_all(data);
 }
