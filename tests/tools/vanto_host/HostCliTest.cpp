@@ -109,7 +109,6 @@ TEST(HostCliUsage, EveryKindOfBadInvocationIsAUsageErrorNamingTheProblem) {
         {{"children", "add", "parent.asm"}, "CHILD is required"},
         {{"next-id", "folder"}, "EXTENSION is required"},
         {{"status", "a.par", "b.par"}, "not expected"},
-        {{"--colour", "roots"}, "not expected"},
         {{"status", notText}, "PATH: not UTF-8 text"},
         {{"status", ""}, "a path cannot be empty"},
         {{"next-id", "folder", "par", "--count", "many"}, "count"},
