@@ -34,7 +34,7 @@ set(expected
     "IsConnected: true"
     "shaft\\.par +yes +yes +Ada Byrne +checked out"
     "shaft\\.par +yes +no +Ada Byrne +refused: held by Ada Byrne"
-    "cover\\.par +0 +Title +0 +Inspection cover"
+    "cover\\.par +component +Title +text +Inspection cover"
     "tree: S_OK\n[^\n]*gearbox\\.asm\n[^\n]*shaft-assembly\\.asm\n"
     "where-used: S_OK\n[^\n]*bearing\\.par\n[^\n]*shaft-assembly\\.asm\n[^\n]*gearbox\\.asm\n"
     "IsNewVersionAvailable: true"

@@ -429,9 +429,6 @@ TEST_F(HostCli, WithoutAWorkingConnectionCommandsSayWhyAndExitWithFour) {
                "shaft\\.par +unknown +unknown +unknown +unknown\n",
                InOutput,
                "time-out[^]*whether it changed the locks is unknown; 'vanto_host lock-status"}});
-#ifdef _WIN32
-    GTEST_SKIP() << "Wine gives the emulator no process to end";
-#endif
     HostRun killed;
     std::thread waiting([&] { killed = Host({"checkout", cover}); });
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
