@@ -16,7 +16,7 @@ namespace json = boost::json;
 
 constexpr const char* Tables[] = {"sessions",  "permissions",  "properties", "revisions",
                                   "relations", "documents",    "containers", "root_folders",
-                                  "users",     "data_objects", "faults",     "counters"};
+                                  "users",     "data_objects", "counters"};
 
 bool LooksLikeWindowsPath(std::string_view path) {
     return path.find('\\') != std::string_view::npos || (path.size() >= 2 && path[1] == ':');

@@ -210,6 +210,8 @@ TEST(EmulatorHandler, AnswersAndLocksAfter) {
          {},
          {"'Faults':[{'Command':'LOCKDESIGNREVISIONS','LatencyMs':0,'FailCode':2,'Times':2}]"}},
         {{fault + "}", Control("clear-faults")}, Control("status"), {}, {"'Faults':[]"}},
+        // A reset puts the workspace back as it was imported.
+        {{Lock(Shaft)}, Control("reset"), {}, {"'Ok':true"}},
     };
     for (const Row& row : rows) {
         Emulator emulator;
