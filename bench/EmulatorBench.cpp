@@ -3,7 +3,10 @@
 //                memory) and back, against a bare Boost.Asio echo of the same request and answer
 //                bytes over the same transport (loopback TCP, the same framing);
 //   throughput   10,000 check-outs of distinct documents, one command each, against a database
-//                file: commands per second, and the last 1,000 against the first 1,000.
+//                file: commands per second, and the last 1,000 against the first 1,000;
+//   dashboard    from a command's answer to its journal event at a page subscribed to the
+//                dashboard's events (median and 95th percentile of 1,000), and the round trip
+//                with such a page over the same without (blocks of each in turn).
 // Prints one line per figure, in the form of the other benchmarks' ratio lines.
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
@@ -16,6 +19,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/write.hpp>
+#include <boost/json.hpp>
 
 #include <algorithm>
 #include <array>
@@ -23,6 +27,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -226,6 +231,129 @@ void Throughput(const fs::path& scratch) {
                1.5);
 }
 
+// A page subscribed to the dashboard's events from entry `after` on: the time each entry up to
+// `last` arrives, read on a thread of its own.
+class EventReader {
+public:
+    EventReader(const fs::path& data, std::int64_t after, std::int64_t last)
+        : after_(after), last_(last), arrivals_(static_cast<std::size_t>(last - after)),
+          socket_(io_) {
+        std::ifstream file(data / "endpoint.json");
+        const boost::json::object endpoint =
+            boost::json::parse(std::string(std::istreambuf_iterator<char>(file), {})).as_object();
+        const auto port = static_cast<std::uint16_t>(endpoint.at("DashboardPort").as_int64());
+        socket_.connect({asio::ip::address_v4::loopback(), port});
+        asio::write(socket_,
+                    asio::buffer("GET /api/events?after=" + std::to_string(after) +
+                                 " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) +
+                                 "\r\nCookie: corvane_dashboard=" +
+                                 endpoint.at("DashboardToken").as_string().c_str() + "\r\n\r\n"));
+        ReadUntil("retry:"); // subscribed
+        thread_ = std::thread([this] { ReadUntil("id: " + std::to_string(last_) + "\n"); });
+    }
+    ~EventReader() {
+        if (thread_.joinable()) {
+            thread_.join();
+        }
+    }
+    // When each entry after `after` arrived, once all have.
+    const std::vector<Clock::time_point>& Arrivals() {
+        if (thread_.joinable()) {
+            thread_.join();
+        }
+        return arrivals_;
+    }
+
+private:
+    void ReadUntil(const std::string& piece) {
+        std::array<char, 65536> chunk{};
+        while (text_.find(piece) == std::string::npos) {
+            const std::size_t size = socket_.read_some(asio::buffer(chunk));
+            const auto now = Clock::now();
+            text_.append(chunk.data(), size);
+            for (std::size_t at = text_.find("id: ", seen_); at != std::string::npos;
+                 at = text_.find("id: ", seen_)) {
+                const std::int64_t seq = std::stoll(text_.substr(at + 4, 20));
+                if (seq > after_ && seq <= last_) {
+                    arrivals_[static_cast<std::size_t>(seq - after_ - 1)] = now;
+                }
+                seen_ = at + 4;
+            }
+        }
+    }
+
+    std::int64_t after_;
+    std::int64_t last_;
+    std::vector<Clock::time_point> arrivals_;
+    asio::io_context io_;
+    tcp::socket socket_;
+    std::string text_;
+    std::size_t seen_ = 0;
+    std::thread thread_;
+};
+
+double Percentile(std::vector<double> values, double share) {
+    const auto at = values.begin() + static_cast<std::ptrdiff_t>(share * (values.size() - 1));
+    std::nth_element(values.begin(), at, values.end());
+    return *at;
+}
+
+// The dashboard's two figures on one emulator with its journal in its data folder.
+void Dashboard(const fs::path& scratch) {
+    fs::create_directories(scratch / "empty");
+    const fs::path data = scratch / "dashboard";
+    const Emulator emulator(data, scratch / "empty", false);
+    Corvane::ICorvaneProxy& proxy = *Corvane::CorvaneProxyFactory().CreateCorvaneProxy();
+    std::int64_t seq = 0; // the journal's last entry: one per operation
+    const auto timed = [&proxy, &seq](const std::string& request) {
+        const auto start = Clock::now();
+        proxy.Execute(request);
+        ++seq;
+        return Clock::now() - start;
+    };
+    EventReader first(data, 0, Slice + 1);
+    const std::string request =
+        R"({"Command":"GETCONNECTIONSTATUS","SessionId":")" + Register(proxy) + R"(","Version":1})";
+    ++seq;
+    std::vector<Clock::time_point> answered;
+    for (int i = 0; i < Slice; ++i) {
+        timed(request);
+        answered.push_back(Clock::now());
+    }
+    const std::vector<Clock::time_point>& arrivals = first.Arrivals();
+    std::vector<double> delays;
+    for (std::size_t i = 0; i < answered.size(); ++i) {
+        delays.push_back(Microseconds(arrivals[i + 1] - answered[i]) / 1000);
+    }
+    const double median = Percentile(delays, 0.5);
+    const double p95 = Percentile(delays, 0.95);
+    std::printf("dashboard event after answer: median %.2f ms (target < 20), p95 %.2f ms (target "
+                "< 100) over %d commands %s\n",
+                median, p95, Slice, median < 20 && p95 < 100 ? "ok" : "OVER TARGET");
+
+    constexpr int Blocks = 5;
+    constexpr int PerBlock = 2000;
+    std::vector<double> without;
+    std::vector<double> with;
+    for (int block = 0; block < Blocks; ++block) {
+        for (int i = 0; i < PerBlock; ++i) {
+            without.push_back(Microseconds(timed(request)));
+        }
+        EventReader page(data, seq, seq + PerBlock);
+        for (int i = 0; i < PerBlock; ++i) {
+            with.push_back(Microseconds(timed(request)));
+        }
+        page.Arrivals();
+    }
+    const double subscribed = Percentile(with, 0.5);
+    const double alone = Percentile(without, 0.5);
+    PrintRatio("emulator round trip with a dashboard page", subscribed / alone,
+               "median of " + std::to_string(Blocks * PerBlock) + ": subscribed " +
+                   std::to_string(subscribed).substr(0, 6) + " us / none " +
+                   std::to_string(alone).substr(0, 6) + " us",
+               1.1);
+}
+
 } // namespace
 
 int main() {
@@ -236,6 +364,7 @@ int main() {
     try {
         RoundTrip(scratch);
         Throughput(scratch);
+        Dashboard(scratch);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "emulator bench: %s\n", error.what());
         status = 1;

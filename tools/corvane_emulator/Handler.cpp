@@ -103,8 +103,9 @@ Answer Handler::Handle(std::string_view operation, std::string_view request, Fau
     if (journal_ != nullptr && operation != "ready") {
         const std::chrono::duration<double, std::milli> took =
             std::chrono::steady_clock::now() - started;
-        journal_->Record({operation, noted.command, noted.session, noted.user, request, answer.text,
-                          startMs, took.count(), fault.latencyMs, fault.failCode,
+        journal_->Record({std::string(operation), std::move(noted.command),
+                          std::move(noted.session), std::move(noted.user), std::string(request),
+                          answer.text, startMs, took.count(), fault.latencyMs, fault.failCode,
                           fault.latencyMs != 0 || fault.failCode != 0});
     }
     return answer;

@@ -5,6 +5,7 @@
 #include "protocol/NumberNames.h"
 #include "protocol/RecordIO.h"
 
+#include <boost/asio/post.hpp>
 #include <boost/json.hpp>
 
 #include <cstdio>
@@ -66,8 +67,9 @@ std::vector<JournalEntry> Rows(Statement& row) {
 
 } // namespace
 
-Journal::Journal(const std::string& path, std::int64_t size, std::string desktop)
-    : db_(path), size_(size < 1 ? 1 : size), desktop_(std::move(desktop)) {
+Journal::Journal(const std::string& path, std::int64_t size, std::string desktop,
+                 boost::asio::io_context* io)
+    : db_(path), io_(io), size_(size < 1 ? 1 : size), desktop_(std::move(desktop)) {
     if (path != ":memory:") {
         db_.Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL");
     }
@@ -81,25 +83,53 @@ void Journal::Listen(std::function<void(const JournalEntry&)> listener) {
     listeners_.push_back(std::move(listener));
 }
 
-void Journal::Record(const Exchange& exchange) noexcept {
+Journal::~Journal() {
+    Flush();
+}
+
+void Journal::Record(Exchange exchange) noexcept {
     try {
-        const std::int64_t seq = next_;
-        std::size_t errors = 0;
-        const std::string entry = Entry(seq, exchange, errors);
-        {
-            Transaction transaction(db_);
-            db_.Run("INSERT INTO entries(seq, command, user, errors, entry) VALUES (?, ?, ?, ?, ?)",
-                    seq, exchange.command, exchange.user, static_cast<std::int64_t>(errors), entry);
-            db_.Run("INSERT OR REPLACE INTO last(id, seq) VALUES (1, ?)", seq);
-            db_.Run("DELETE FROM entries WHERE seq <= ?", seq - size_);
-            transaction.Commit();
-        }
-        next_ = seq + 1;
-        for (const auto& listener : listeners_) {
-            listener({seq, entry});
+        waiting_.push_back(std::move(exchange));
+        if (io_ == nullptr) {
+            Flush();
+        } else if (waiting_.size() == 1) {
+            boost::asio::post(*io_, [this] { Flush(); });
         }
     } catch (...) {
         // Lost; the answer goes out all the same.
+    }
+}
+
+void Journal::Flush() noexcept {
+    if (waiting_.empty()) {
+        return;
+    }
+    try {
+        std::vector<JournalEntry> written;
+        {
+            Transaction transaction(db_);
+            for (const Exchange& exchange : waiting_) {
+                std::size_t errors = 0;
+                written.push_back({next_, Entry(next_, exchange, errors)});
+                db_.Run("INSERT INTO entries(seq, command, user, errors, entry) "
+                        "VALUES (?, ?, ?, ?, ?)",
+                        next_, exchange.command, exchange.user, static_cast<std::int64_t>(errors),
+                        written.back().json);
+                ++next_;
+            }
+            db_.Run("INSERT OR REPLACE INTO last(id, seq) VALUES (1, ?)", next_ - 1);
+            db_.Run("DELETE FROM entries WHERE seq <= ?", next_ - 1 - size_);
+            transaction.Commit();
+        }
+        waiting_.clear();
+        for (const JournalEntry& entry : written) {
+            for (const auto& listener : listeners_) {
+                listener(entry);
+            }
+        }
+    } catch (...) {
+        // Lost, and never shown to anyone.
+        waiting_.clear();
     }
 }
 

@@ -3,12 +3,15 @@
 // on a shared cloud), bounded to the newest entries. Sequence numbers go on across restarts and
 // are never given twice.
 //
-// An entry is written before its answer leaves (WAL, synchronous=NORMAL: one append to the WAL
-// file), so a killed emulator loses no entry of an answered request; a power cut may lose the
-// newest. Listeners hear of each entry once it is written.
+// Serving, it costs the command path a copy of the texts: the entries of one turn of the
+// io_context are written together after their answers have gone (one transaction, WAL,
+// synchronous=NORMAL), so a killed emulator can lose the entries of the last batch, answered
+// microseconds before; a power cut may lose more. Listeners hear of each entry once it is written.
 #pragma once
 
 #include "Sqlite.h"
+
+#include <boost/asio/io_context.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -27,12 +30,12 @@ inline constexpr std::int64_t DefaultJournalSize = 10000;
 
 // One answered operation, as the Handler saw it.
 struct Exchange {
-    std::string_view operation;
-    std::string_view command; // the command's name; the action's for a control
-    std::string_view session;
-    std::string_view user;
-    std::string_view request;
-    std::string_view answer;
+    std::string operation;
+    std::string command; // the command's name; the action's for a control
+    std::string session;
+    std::string user;
+    std::string request;
+    std::string answer;
     std::int64_t startMs = 0; // since the epoch
     double durationMs = 0;
     std::uint32_t latencyMs = 0; // of the fault that fired, if one did
@@ -57,11 +60,19 @@ struct JournalFilter {
 class Journal {
 public:
     // ":memory:" keeps it in memory. `size`: how many entries are kept (at least 1). `desktop`
-    // names this emulator in every entry.
-    Journal(const std::string& path, std::int64_t size, std::string desktop);
+    // names this emulator in every entry. With `io`, entries are written on its next turn;
+    // without, at once.
+    Journal(const std::string& path, std::int64_t size, std::string desktop,
+            boost::asio::io_context* io = nullptr);
+    // Writes what is still waiting.
+    ~Journal();
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
 
     // Never throws: a journal that cannot be written loses the entry, not the answer.
-    void Record(const Exchange& exchange) noexcept;
+    void Record(Exchange exchange) noexcept;
+    // Writes the entries waiting.
+    void Flush() noexcept;
     // Called with each entry once it is written.
     void Listen(std::function<void(const JournalEntry&)> listener);
     // A text blanked out of every request and answer (the transport's secret, the token).
@@ -83,6 +94,8 @@ private:
     std::string Hidden(std::string_view text) const;
 
     Database db_;
+    boost::asio::io_context* io_;
+    std::vector<Exchange> waiting_;
     std::int64_t size_;
     std::int64_t next_ = 1;
     std::string desktop_;

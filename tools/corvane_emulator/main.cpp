@@ -95,7 +95,7 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
     Server server(io, handler, log, options.port);
     // Each desktop keeps its own journal, beside its endpoint file.
     Journal journal(options.memory ? ":memory:" : options.data + "/" + JournalFileName,
-                    options.journalSize, handlerOptions.user + " (" + options.data + ")");
+                    options.journalSize, handlerOptions.user + " (" + options.data + ")", &io);
     journal.Hide(server.Secret());
     handler.SetJournal(&journal);
     Dashboard dashboard(
