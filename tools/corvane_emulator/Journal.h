@@ -3,15 +3,16 @@
 // on a shared cloud), bounded to the newest entries. Sequence numbers go on across restarts and
 // are never given twice.
 //
-// Serving, it costs the command path a copy of the texts: the entries of one turn of the
-// io_context are written together after their answers have gone (one transaction, WAL,
-// synchronous=NORMAL), so a killed emulator can lose the entries of the last batch, answered
-// microseconds before; a power cut may lose more. Listeners hear of each entry once it is written.
+// Serving, it costs the command path a copy of the texts: entries are written together, one
+// transaction (WAL, synchronous=NORMAL) at most every BatchMs, after their answers have gone. So
+// a killed emulator can lose the entries of the last batch (answered less than BatchMs before);
+// a power cut may lose more. Listeners hear of each entry once it is written.
 #pragma once
 
 #include "Sqlite.h"
 
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -20,6 +21,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vanto::emulator {
@@ -59,9 +61,12 @@ struct JournalFilter {
 
 class Journal {
 public:
+    // How long an entry may wait to be written when serving.
+    static constexpr int BatchMs = 10;
+
     // ":memory:" keeps it in memory. `size`: how many entries are kept (at least 1). `desktop`
-    // names this emulator in every entry. With `io`, entries are written on its next turn;
-    // without, at once.
+    // names this emulator in every entry. With `io`, entries wait up to BatchMs to be written
+    // together; without, they are written at once.
     Journal(const std::string& path, std::int64_t size, std::string desktop,
             boost::asio::io_context* io = nullptr);
     // Writes what is still waiting.
@@ -91,16 +96,20 @@ public:
 
 private:
     std::string Entry(std::int64_t seq, const Exchange& exchange, std::size_t& errorCount) const;
-    std::string Hidden(std::string_view text) const;
+    // The text without the hidden ones (in `holder` when any was there).
+    std::string_view Hidden(std::string_view text, std::string& holder) const;
+    // The entry's time, "2026-11-24T01:02:03.456Z".
+    std::string Time(std::int64_t milliseconds) const;
 
     Database db_;
-    boost::asio::io_context* io_;
+    std::optional<boost::asio::steady_timer> batch_;
     std::vector<Exchange> waiting_;
     std::int64_t size_;
     std::int64_t next_ = 1;
     std::string desktop_;
     std::vector<std::string> hidden_;
     std::vector<std::function<void(const JournalEntry&)>> listeners_;
+    mutable std::pair<std::int64_t, std::string> second_{-1, ""}; // a second and its text
 };
 
 } // namespace vanto::emulator

@@ -136,12 +136,12 @@ std::string IsoTime(std::int64_t seconds) {
 
 std::string IsoTimeMilliseconds(std::int64_t milliseconds) {
     const std::int64_t seconds = (milliseconds >= 0 ? milliseconds : milliseconds - 999) / 1000;
-    char fraction[8];
-    std::snprintf(fraction, sizeof fraction, ".%03dZ",
-                  static_cast<int>(milliseconds - seconds * 1000));
+    const auto fraction = static_cast<int>(milliseconds - seconds * 1000);
     std::string text = IsoTime(seconds);
-    text.pop_back(); // its "Z"
-    return text + fraction;
+    text.insert(text.size() - 1, {'.', static_cast<char>('0' + fraction / 100),
+                                  static_cast<char>('0' + fraction / 10 % 10),
+                                  static_cast<char>('0' + fraction % 10)});
+    return text;
 }
 
 std::int64_t NowMilliseconds() {
