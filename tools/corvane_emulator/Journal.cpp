@@ -252,6 +252,7 @@ std::string Journal::Time(std::int64_t milliseconds) const {
 }
 
 std::vector<JournalEntry> Journal::Page(const JournalFilter& f) {
+    Flush();
     Statement row = db_.Prepare(
         "SELECT seq, entry FROM entries WHERE (?1 = 0 OR seq < ?1) AND (?2 = '' OR command = ?2) "
         "AND (?3 = '' OR user = ?3) AND (?4 = 0 OR errors > 0) ORDER BY seq DESC LIMIT ?5");
@@ -260,6 +261,7 @@ std::vector<JournalEntry> Journal::Page(const JournalFilter& f) {
 }
 
 std::vector<JournalEntry> Journal::After(std::int64_t seq, std::int64_t limit) {
+    Flush();
     Statement row =
         db_.Prepare("SELECT seq, entry FROM entries WHERE seq > ? ORDER BY seq LIMIT ?");
     row.BindAll(seq, limit);
@@ -267,6 +269,7 @@ std::vector<JournalEntry> Journal::After(std::int64_t seq, std::int64_t limit) {
 }
 
 void Journal::Export(std::ostream& out) {
+    Flush();
     Statement row = db_.Prepare("SELECT seq, entry FROM entries ORDER BY seq");
     while (row.Step()) {
         out << row.Text(1) << '\n';

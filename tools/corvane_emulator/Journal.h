@@ -83,6 +83,7 @@ public:
     // A text blanked out of every request and answer (the transport's secret, the token).
     void Hide(std::string text) { hidden_.push_back(std::move(text)); }
 
+    // The readers write what waits first: they see every answered operation.
     std::vector<JournalEntry> Page(const JournalFilter& filter);
     // Oldest first, after `seq`.
     std::vector<JournalEntry> After(std::int64_t seq, std::int64_t limit);
