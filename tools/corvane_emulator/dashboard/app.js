@@ -1,0 +1,700 @@
+// The emulator's dashboard: five views over its HTTP interface, one page, no reload. Views read
+// with GET /api/..., act with POST /api/control (the control subcommands' own requests), and are
+// drawn again when the event stream says the state may have changed. Everything shown is built as
+// DOM nodes, never as HTML text: document names and journal entries come from clients.
+'use strict';
+
+// ---- building blocks ---------------------------------------------------------------------------
+
+const SVG = 'http://www.w3.org/2000/svg';
+
+// An element with properties (class, text, on<event>, any attribute) and children.
+function make(namespace, tag, props, children) {
+  const node = namespace ? document.createElementNS(namespace, tag) : document.createElement(tag);
+  for (const [key, value] of Object.entries(props || {})) {
+    if (value === undefined || value === null || value === false) continue;
+    if (key === 'text') node.textContent = value;
+    else if (key.startsWith('on')) node.addEventListener(key.slice(2), value);
+    else node.setAttribute(key, value === true ? '' : value);
+  }
+  node.append(...children.filter((child) => child !== null && child !== undefined));
+  return node;
+}
+const h = (tag, props, ...children) => make(null, tag, props, children);
+const s = (tag, props, ...children) => make(SVG, tag, props, children);
+
+function debounce(action, ms) {
+  let timer = 0;
+  return (...args) => {
+    clearTimeout(timer);
+    timer = setTimeout(() => action(...args), ms);
+  };
+}
+
+// "2026-11-24T01:02:03.456Z" as "2026-11-24 01:02:03"; the emulator keeps UTC throughout.
+function when(iso) {
+  return iso ? iso.replace('T', ' ').replace(/(\.\d+)?Z$/, '') : '';
+}
+
+const pretty = (value) => (typeof value === 'string' ? value : JSON.stringify(value, null, 2));
+const fileName = (path) => path.split(/[\\/]/).pop();
+
+// ---- talking to the emulator -------------------------------------------------------------------
+
+class HttpError extends Error {
+  constructor(status, text) {
+    super(`${status}: ${text}`);
+    this.status = status;
+  }
+}
+
+async function answerOf(response) {
+  const text = await response.text();
+  let body = text;
+  try {
+    body = JSON.parse(text);
+  } catch {
+    // a text that is no JSON is shown as it came
+  }
+  if (!response.ok) throw new HttpError(response.status, body && body.Error ? body.Error : text);
+  return body;
+}
+
+async function get(path, params = {}) {
+  const query = new URLSearchParams();
+  for (const [key, value] of Object.entries(params)) {
+    if (value !== '' && value !== undefined && value !== null && value !== false) {
+      query.set(key, value === true ? '1' : value);
+    }
+  }
+  const url = query.toString() ? `${path}?${query}` : path;
+  return answerOf(await fetch(url, { headers: { Accept: 'application/json' } }));
+}
+
+// One control action; the answer as the server gave it, with its HTTP status.
+async function control(request) {
+  const response = await fetch('/api/control', {
+    method: 'POST',
+    headers: { 'Content-Type': 'application/json' },
+    body: JSON.stringify(request),
+  });
+  const text = await response.text();
+  let answer = text;
+  try {
+    answer = JSON.parse(text);
+  } catch {
+    // shown as it came
+  }
+  return { status: response.status, answer };
+}
+
+// Runs the newest of overlapping loads only: a slow answer to an old search never overwrites the
+// answer to the new one.
+function latestOnly(load) {
+  let generation = 0;
+  return async (...args) => {
+    const mine = ++generation;
+    const result = await load(...args);
+    return mine === generation ? result : undefined;
+  };
+}
+
+const problem = document.getElementById('problem');
+function report(error) {
+  problem.hidden = false;
+  problem.textContent = `The emulator did not answer as expected: ${error.message}`;
+}
+function cleared() {
+  problem.hidden = true;
+}
+
+// ---- shared pieces of views --------------------------------------------------------------------
+
+// A table from a list of columns ({title, cell: row => node or text, className}) and rows.
+function table(columns, rows, rowProps = () => ({})) {
+  return h(
+    'table',
+    { class: 'grid' },
+    h('thead', {}, h('tr', {}, ...columns.map((c) => h('th', { class: c.className, text: c.title })))),
+    h(
+      'tbody',
+      {},
+      ...rows.map((row) =>
+        h(
+          'tr',
+          rowProps(row),
+          ...columns.map((c) => {
+            const value = c.cell(row);
+            return value instanceof Node
+              ? h('td', { class: c.className }, value)
+              : h('td', { class: c.className, text: value, title: c.tip ? String(value) : null });
+          }),
+        ),
+      ),
+    ),
+  );
+}
+
+const empty = (text) => h('p', { class: 'empty', text });
+const chip = (text, kind = '') => h('span', { class: `chip ${kind}`, text });
+
+function lockCell(d) {
+  if (!d.LockedBy) return h('span', { class: 'muted', text: 'free' });
+  return h('span', {}, chip(d.LockedBy, 'lock'));
+}
+const expiry = (d) => (d.LockedBy ? d.LockExpires ? when(d.LockExpires) : 'never' : '');
+
+function permissionsCell(d) {
+  const entries = Object.entries(d.Permissions || {});
+  return h('span', { class: 'chips' }, ...entries.map(([user, level]) => chip(`${user}: ${level}`, `perm-${String(level).toLowerCase()}`)));
+}
+
+const structureLink = (d, direction, text) =>
+  h('a', { href: `#structure?document=${encodeURIComponent(d.DocumentId)}&direction=${direction}`, text });
+
+// ---- Documents ---------------------------------------------------------------------------------
+
+const PageSize = 100;
+
+const documentsView = {
+  title: 'Documents',
+  query: { q: '', offset: 0, focus: '' },
+  build() {
+    this.search = h('input', {
+      type: 'search',
+      placeholder: 'Search by name or path',
+      'aria-label': 'Search documents',
+      oninput: debounce(() => this.go({ q: this.search.value, offset: 0, focus: '' }), 200),
+    });
+    this.pager = h('span', { class: 'pager' });
+    this.body = h('div', { class: 'scroll' });
+    this.load = latestOnly((query) => get('/api/documents', { q: query.q, offset: query.offset, limit: PageSize }));
+    return h('section', {}, h('div', { class: 'toolbar' }, this.search, this.pager), this.body);
+  },
+  show(params) {
+    this.query = { q: params.get('q') || '', offset: Number(params.get('offset')) || 0, focus: params.get('focus') || '' };
+    this.search.value = this.query.q;
+    return this.refresh();
+  },
+  go(query) {
+    this.query = query;
+    this.refresh();
+  },
+  async refresh() {
+    const page = await this.load(this.query);
+    if (!page) return;
+    const columns = [
+      { title: 'Path', cell: (d) => d.Path, className: 'path', tip: true },
+      { title: 'Name', cell: (d) => d.Name },
+      { title: 'Document id', cell: (d) => d.DocumentId, className: 'mono' },
+      { title: 'Rev', cell: (d) => d.Revision, className: 'narrow' },
+      { title: 'Version', cell: (d) => versionCell(d), className: 'narrow' },
+      { title: 'Locked by', cell: lockCell },
+      { title: 'Since', cell: (d) => when(d.LockedAt), className: 'time' },
+      { title: 'Expires', cell: expiry, className: 'time' },
+      { title: 'Permissions', cell: permissionsCell },
+      { title: 'Structure', cell: (d) => h('span', { class: 'links' }, structureLink(d, 'children', 'contents'), structureLink(d, 'parents', 'where used')) },
+    ];
+    const rowProps = (d) => ({ class: d.DocumentId === this.query.focus ? 'focus' : null, 'data-id': d.DocumentId });
+    this.body.replaceChildren(page.Items.length ? table(columns, page.Items, rowProps) : empty('No document matches.'));
+    this.drawPager(page);
+    this.body.querySelector('tr.focus')?.scrollIntoView({ block: 'center' });
+  },
+  drawPager(page) {
+    const last = Math.min(page.Offset + page.Items.length, page.Total);
+    const step = (offset) => () => this.go({ ...this.query, offset, focus: '' });
+    this.pager.replaceChildren(
+      h('button', { type: 'button', disabled: page.Offset === 0, onclick: step(Math.max(0, page.Offset - PageSize)), text: '‹ Previous' }),
+      h('span', { text: page.Total ? `${page.Offset + 1}–${last} of ${page.Total}` : '0 documents' }),
+      h('button', { type: 'button', disabled: last >= page.Total, onclick: step(page.Offset + PageSize), text: 'Next ›' }),
+    );
+  },
+};
+
+function versionCell(d) {
+  if (d.CloudVersion > d.Version) {
+    return h('span', { title: 'A newer version is in the cloud' }, `${d.Version} `, chip(`cloud ${d.CloudVersion}`, 'newer'));
+  }
+  return String(d.Version);
+}
+
+// ---- Locks and sessions ------------------------------------------------------------------------
+
+const locksView = {
+  title: 'Locks & sessions',
+  build() {
+    this.locks = h('div', { class: 'scroll' });
+    this.sessions = h('div', { class: 'scroll' });
+    return h('section', { class: 'split' },
+      h('div', {}, h('h2', { text: 'Locks' }), this.locks),
+      h('div', {}, h('h2', { text: 'Registered clients' }), this.sessions));
+  },
+  show() {
+    return this.refresh();
+  },
+  async refresh() {
+    const [locks, sessions] = await Promise.all([get('/api/locks'), get('/api/sessions')]);
+    const release = (lock) => async () => {
+      showAnswer(await acting({ Action: 'unlock', User: lock.LockedBy, Path: lock.Path }));
+    };
+    this.locks.replaceChildren(locks.Items.length ? table([
+      { title: 'Path', cell: (l) => h('a', { href: documentHref(l), text: l.Path }), className: 'path' },
+      { title: 'Document id', cell: (l) => l.DocumentId, className: 'mono' },
+      { title: 'Locked by', cell: lockCell },
+      { title: 'Since', cell: (l) => when(l.LockedAt), className: 'time' },
+      { title: 'Expires', cell: expiry, className: 'time' },
+      { title: '', cell: (l) => h('button', { type: 'button', class: 'small', onclick: release(l), text: `Unlock as ${l.LockedBy}` }) },
+    ], locks.Items) : empty('No document is locked.'));
+    this.sessions.replaceChildren(sessions.Items.length ? table([
+      { title: 'Process id', cell: (c) => String(c.Pid), className: 'narrow' },
+      { title: 'Product', cell: (c) => c.Product },
+      { title: 'Version', cell: (c) => c.Version },
+      { title: 'User', cell: (c) => c.User },
+      { title: 'Since', cell: (c) => when(c.Since), className: 'time' },
+      { title: 'Session', cell: (c) => c.Session, className: 'mono', tip: true },
+    ], sessions.Items) : empty('No client is registered.'));
+  },
+};
+
+const documentHref = (d) => `#documents?q=${encodeURIComponent(d.Path)}&focus=${encodeURIComponent(d.DocumentId)}`;
+
+// ---- Structure ---------------------------------------------------------------------------------
+
+const Box = { width: 230, height: 44, across: 290, down: 58, margin: 16 };
+
+const structureView = {
+  title: 'Structure',
+  params: { document: '', direction: 'children' },
+  build() {
+    this.picker = h('input', {
+      type: 'search',
+      list: 'structure-choices',
+      placeholder: 'Document: type a name or path',
+      'aria-label': 'Document',
+      oninput: debounce(() => this.suggest(), 150),
+      onchange: () => this.choose(),
+    });
+    this.choices = h('datalist', { id: 'structure-choices' });
+    this.directions = h('span', { class: 'segmented' },
+      ...[['children', 'Contents'], ['parents', 'Where used']].map(([direction, text]) =>
+        h('button', { type: 'button', 'data-direction': direction, text, onclick: () => this.navigate({ direction }) })));
+    this.caption = h('p', { class: 'caption' });
+    this.drawing = h('div', { class: 'drawing' });
+    this.suggestions = new Map();
+    return h('section', {}, h('div', { class: 'toolbar' }, this.picker, this.choices, this.directions), this.caption, this.drawing);
+  },
+  navigate(change) {
+    const next = { ...this.params, ...change };
+    location.hash = `#structure?document=${encodeURIComponent(next.document)}&direction=${next.direction}`;
+  },
+  async suggest() {
+    const page = await get('/api/documents', { q: this.picker.value, limit: 20 });
+    this.suggestions = new Map(page.Items.map((d) => [d.Path, d]));
+    this.choices.replaceChildren(...page.Items.map((d) => h('option', { value: d.Path, label: d.Name })));
+  },
+  choose() {
+    const chosen = this.suggestions.get(this.picker.value);
+    if (chosen) this.navigate({ document: chosen.DocumentId });
+  },
+  show(params) {
+    this.params = { document: params.get('document') || '', direction: params.get('direction') === 'parents' ? 'parents' : 'children' };
+    for (const button of this.directions.children) {
+      button.classList.toggle('on', button.dataset.direction === this.params.direction);
+    }
+    return this.refresh();
+  },
+  async refresh() {
+    if (!this.params.document) {
+      this.caption.textContent = 'Choose a document above, or "contents" or "where used" in the documents list.';
+      this.drawing.replaceChildren();
+      return;
+    }
+    const { Root: root } = await get('/api/structure', this.params);
+    const parents = this.params.direction === 'parents';
+    this.picker.value = root.Path;
+    this.caption.textContent = parents
+      ? `Where ${root.Name} is used: each document points to those that use it (assemblies, drawings).`
+      : `What ${root.Name} contains.`;
+    this.drawing.replaceChildren(drawTree(root));
+  },
+};
+
+// Lays the tree out left to right: each leaf on a row of its own, a parent level with the middle
+// of its children. One pass over the nodes.
+function layOut(root) {
+  const placed = [];
+  let rows = 0;
+  let deepest = 0;
+  const place = (node, depth) => {
+    deepest = Math.max(deepest, depth);
+    const children = node.Children || [];
+    const kids = children.map((child) => place(child, depth + 1));
+    const row = kids.length ? (kids[0].row + kids[kids.length - 1].row) / 2 : rows++;
+    const spot = { node, depth, row, kids };
+    placed.push(spot);
+    return spot;
+  };
+  place(root, 0);
+  return { placed, rows, deepest };
+}
+
+function drawTree(root) {
+  const { placed, rows, deepest } = layOut(root);
+  const x = (spot) => Box.margin + spot.depth * Box.across;
+  const y = (spot) => Box.margin + spot.row * Box.down;
+  const edges = [];
+  const nodes = [];
+  for (const spot of placed) {
+    for (const kid of spot.kids) {
+      const [x1, y1, x2, y2] = [x(spot) + Box.width, y(spot) + Box.height / 2, x(kid), y(kid) + Box.height / 2];
+      const bend = (x2 - x1) / 2;
+      edges.push(s('path', { class: 'edge', d: `M${x1},${y1} C${x1 + bend},${y1} ${x2 - bend},${y2} ${x2},${y2}` }));
+    }
+    nodes.push(drawNode(spot.node, x(spot), y(spot), spot.depth === 0));
+  }
+  const width = 2 * Box.margin + deepest * Box.across + Box.width;
+  const height = 2 * Box.margin + Math.max(rows, 1) * Box.down - (Box.down - Box.height);
+  return s('svg', { class: 'tree', width, height, viewBox: `0 0 ${width} ${height}`, role: 'img', 'aria-label': `Structure of ${root.Name}` },
+    s('g', {}, ...edges), s('g', {}, ...nodes));
+}
+
+function drawNode(node, x, y, isRoot) {
+  const mark = node.Cycle ? 'cycle' : node.Repeated ? 'repeated' : '';
+  const kind = ['node', isRoot ? 'root' : '', mark].filter(Boolean).join(' ');
+  const title = mark === 'cycle' ? `${node.Path} (its own ancestor: drawn once)` : mark === 'repeated' ? `${node.Path} (again: drawn once above)` : node.Path;
+  return s('a', { href: documentHref(node), class: kind, 'data-id': node.DocumentId },
+    s('title', { text: title }),
+    s('rect', { x, y, width: Box.width, height: Box.height, rx: 5 }),
+    s('text', { x: x + 10, y: y + 18, class: 'name', text: clip(node.Name, 28) }),
+    s('text', { x: x + 10, y: y + 35, class: 'file', text: clip(fileName(node.Path), 34) }),
+    mark ? s('text', { x: x + Box.width - 8, y: y + 18, class: 'mark', 'text-anchor': 'end', text: mark === 'cycle' ? '↻ cycle' : '⧉ repeated' }) : null);
+}
+
+const clip = (text, most) => (text.length > most ? `${text.slice(0, most - 1)}…` : text);
+
+// ---- Journal -----------------------------------------------------------------------------------
+
+const JournalPage = 200;
+const JournalShown = 2000; // live entries beyond this drop off the bottom of the list
+
+const journalView = {
+  title: 'Journal',
+  followsChanges: false, // its entries come by the event stream
+  build() {
+    this.commandFilter = h('input', { type: 'search', list: 'journal-commands', placeholder: 'Command', 'aria-label': 'Command' });
+    this.userFilter = h('input', { type: 'search', list: 'journal-users', placeholder: 'User', 'aria-label': 'User' });
+    this.errorsOnly = h('input', { type: 'checkbox', id: 'errors-only' });
+    this.commands = h('datalist', { id: 'journal-commands' });
+    this.users = h('datalist', { id: 'journal-users' });
+    this.seen = { commands: new Set(), users: new Set() };
+    const again = debounce(() => this.refresh(), 200);
+    for (const input of [this.commandFilter, this.userFilter, this.errorsOnly]) input.addEventListener('input', again);
+    this.list = h('div', { class: 'journal' });
+    this.more = h('button', { type: 'button', text: 'Older entries', onclick: () => this.older() });
+    this.load = latestOnly((params) => get('/api/journal', params));
+    return h('section', {},
+      h('div', { class: 'toolbar' }, this.commandFilter, this.commands, this.userFilter, this.users,
+        h('label', { class: 'check' }, this.errorsOnly, ' errors only'),
+        h('a', { class: 'button', href: '/api/journal/export', download: 'journal.jsonl', text: 'Export JSON Lines' })),
+      this.list, h('div', { class: 'toolbar' }, this.more));
+  },
+  filters() {
+    return { command: this.commandFilter.value.trim(), user: this.userFilter.value.trim(), errors: this.errorsOnly.checked };
+  },
+  matches(entry) {
+    const f = this.filters();
+    return (!f.command || entry.Command === f.command) && (!f.user || entry.User === f.user) && (!f.errors || (entry.Errors || []).length > 0);
+  },
+  show() {
+    newEntries.reset();
+    return this.refresh();
+  },
+  async refresh() {
+    const page = await this.load({ ...this.filters(), limit: JournalPage });
+    if (!page) return;
+    this.list.replaceChildren(...page.Items.map((entry) => this.entry(entry)));
+    this.oldest = page.Items.length ? page.Items[page.Items.length - 1].Seq : 0;
+    this.more.hidden = page.Items.length < JournalPage;
+    if (!page.Items.length) this.list.append(empty('No entry matches.'));
+  },
+  async older() {
+    const page = await get('/api/journal', { ...this.filters(), before: this.oldest, limit: JournalPage });
+    this.list.append(...page.Items.map((entry) => this.entry(entry)));
+    if (page.Items.length) this.oldest = page.Items[page.Items.length - 1].Seq;
+    this.more.hidden = page.Items.length < JournalPage;
+  },
+  // Entries that arrived by the event stream, oldest first.
+  arrived(entries) {
+    const shown = entries.filter((entry) => this.matches(entry));
+    if (!shown.length) return;
+    this.list.querySelector(':scope > .empty')?.remove();
+    this.list.prepend(...shown.reverse().map((entry) => this.entry(entry)));
+    while (this.list.childElementCount > JournalShown) this.list.lastElementChild.remove();
+  },
+  learn(entry) {
+    for (const [set, list, value] of [[this.seen.commands, this.commands, entry.Command], [this.seen.users, this.users, entry.User]]) {
+      if (value && !set.has(value)) {
+        set.add(value);
+        list.append(h('option', { value }));
+      }
+    }
+  },
+  entry(e) {
+    this.learn(e);
+    const errors = e.Errors || [];
+    return h('details', { class: errors.length ? 'entry failed' : 'entry', 'data-seq': e.Seq },
+      h('summary', {},
+        h('span', { class: 'seq', text: `#${e.Seq}` }),
+        h('span', { class: 'time', text: when(e.Time), title: e.Time }),
+        h('span', { class: 'op', text: e.Operation }),
+        h('span', { class: 'command', text: e.Command || '' }),
+        h('span', { class: 'user', text: e.User || '' }),
+        h('span', { class: 'ms', text: `${Number(e.DurationMs).toFixed(2)} ms` }),
+        h('span', { class: 'outcome' },
+          ...errors.map((error) => chip(`${error.Code} ${error.Name}`, 'error')),
+          e.Fault ? chip(faultText(e.Fault), 'fault') : null,
+          errors.length || e.Fault ? null : chip('ok', 'ok'))),
+      h('div', { class: 'detail' },
+        h('dl', {},
+          h('dt', { text: 'Session' }), h('dd', { class: 'mono', text: e.Session || '—' }),
+          h('dt', { text: 'Desktop' }), h('dd', { text: e.Desktop || '—' }),
+          h('dt', { text: 'Time' }), h('dd', { text: e.Time })),
+        h('div', { class: 'bodies' },
+          h('div', {}, h('h3', { text: 'Request' }), h('pre', { class: 'request', text: pretty(e.Request) })),
+          h('div', {}, h('h3', { text: 'Answer' }), h('pre', { class: 'answer', text: pretty(e.Answer) })))));
+  },
+};
+
+function faultText(fault) {
+  const parts = [];
+  if (fault.LatencyMs) parts.push(`+${fault.LatencyMs} ms`);
+  if (fault.FailCode) parts.push(`fails ${fault.FailCode}`);
+  return `fault: ${parts.join(', ')}`;
+}
+
+// ---- Controls ----------------------------------------------------------------------------------
+
+const controlsView = {
+  title: 'Controls',
+  build() {
+    this.user = h('input', { list: 'control-users', value: 'Ben Okafor', 'aria-label': 'User', placeholder: 'User' });
+    this.users = h('datalist', { id: 'control-users' });
+    this.path = h('input', { type: 'search', list: 'control-paths', 'aria-label': 'Path', placeholder: 'Document path', class: 'wide', oninput: debounce(() => this.suggest(), 150) });
+    this.paths = h('datalist', { id: 'control-paths' });
+    const as = (Action) => () => this.send({ Action, User: this.user.value.trim(), Path: this.path.value.trim() });
+    const action = (Action, text) => h('button', { type: 'button', 'data-action': Action, text, onclick: () => this.send({ Action }) });
+
+    this.faultCommand = h('input', { list: 'journal-commands', 'aria-label': 'Command', placeholder: 'COMMAND' });
+    const number = (label) => h('input', { type: 'number', min: 0, step: 1, 'aria-label': label, placeholder: label, class: 'number' });
+    this.latency = number('Latency ms');
+    this.failCode = number('Fail code');
+    this.times = number('Times (0: until cleared)');
+    this.faults = h('div', {});
+    this.connection = h('p', { class: 'caption' });
+    this.reset = h('button', { type: 'button', class: 'danger', text: 'Reset…', onclick: () => this.confirmReset() });
+    this.answer = h('div', { class: 'answer-panel' }, empty('The answer to the last control shows here.'));
+
+    return h('section', { class: 'cards' },
+      card('Act as another user', 'Lock, unlock or save a new version in the cloud, as someone else would.',
+        h('div', { class: 'row' }, this.user, this.users, this.path, this.paths),
+        h('div', { class: 'row' },
+          h('button', { type: 'button', 'data-action': 'lock', text: 'Lock', onclick: as('lock') }),
+          h('button', { type: 'button', 'data-action': 'unlock', text: 'Unlock', onclick: as('unlock') }),
+          h('button', { type: 'button', 'data-action': 'save', text: 'Save new version', onclick: as('save') }))),
+      card('Connection', 'This desktop\'s user: offline, cloud commands answer code 6; signed out, every command answers code 3.',
+        this.connection,
+        h('div', { class: 'row' }, action('offline', 'Go offline'), action('online', 'Go online'), action('signout', 'Sign out'), action('signin', 'Sign in'))),
+      card('Faults', 'A fault delays a command, answers it with an error code, or both; Times 0 lasts until cleared.',
+        h('div', { class: 'row' }, this.faultCommand, this.latency, this.failCode, this.times,
+          h('button', { type: 'button', 'data-action': 'fault', text: 'Add fault', onclick: () => this.send(this.faultRequest()) })),
+        this.faults,
+        h('div', { class: 'row' }, action('clear-faults', 'Clear faults'))),
+      card('Reset', 'Empties the database and imports the workspace again.', h('div', { class: 'row' }, this.reset)),
+      h('div', { class: 'card answer-card' }, h('h2', { text: 'Answer' }), this.answer));
+  },
+  faultRequest() {
+    const request = { Action: 'fault', Command: this.faultCommand.value.trim() };
+    for (const [key, input] of [['LatencyMs', this.latency], ['FailCode', this.failCode], ['Times', this.times]]) {
+      if (input.value !== '') request[key] = Number(input.value);
+    }
+    return request;
+  },
+  async suggest() {
+    const page = await get('/api/documents', { q: this.path.value, limit: 20 });
+    this.paths.replaceChildren(...page.Items.map((d) => h('option', { value: d.Path, label: d.Name })));
+    this.learnUsers(page.Items);
+  },
+  learnUsers(documents) {
+    const known = new Set([...this.users.options].map((o) => o.value));
+    for (const d of documents) {
+      for (const user of Object.keys(d.Permissions || {})) {
+        if (!known.has(user)) {
+          known.add(user);
+          this.users.append(h('option', { value: user }));
+        }
+      }
+    }
+  },
+  confirmReset() {
+    if (this.reset.classList.contains('armed')) {
+      this.disarm();
+      this.send({ Action: 'reset' });
+      return;
+    }
+    this.reset.classList.add('armed');
+    this.reset.textContent = 'Click again to reset';
+    this.disarmTimer = setTimeout(() => this.disarm(), 5000);
+  },
+  disarm() {
+    clearTimeout(this.disarmTimer);
+    this.reset.classList.remove('armed');
+    this.reset.textContent = 'Reset…';
+  },
+  async send(request) {
+    showAnswer(await acting(request));
+    app.refreshSoon();
+  },
+  async show() {
+    await app.readStatus();
+    return this.refresh();
+  },
+  async refresh() {
+    const status = app.status;
+    this.connection.textContent = `${status.User}: ${status.Online ? 'online' : 'offline'}, ${status.SignedIn ? 'signed in' : 'signed out'}.`;
+    const faults = status.Faults || [];
+    this.faults.replaceChildren(faults.length ? table([
+      { title: 'Command', cell: (f) => f.Command, className: 'mono' },
+      { title: 'Latency', cell: (f) => (f.LatencyMs ? `${f.LatencyMs} ms` : '—') },
+      { title: 'Fails with', cell: (f) => (f.FailCode ? String(f.FailCode) : '—') },
+      { title: 'Times left', cell: (f) => (f.Times ? String(f.Times) : 'until cleared') },
+    ], faults) : empty('No fault is active.'));
+    if (!this.users.options.length) this.learnUsers((await get('/api/documents', { limit: 50 })).Items);
+  },
+};
+
+function card(title, text, ...content) {
+  return h('div', { class: 'card' }, h('h2', { text: title }), h('p', { class: 'caption', text }), ...content);
+}
+
+// Sends one control and keeps what went and what came back, for the answer panel.
+async function acting(request) {
+  try {
+    return { request, ...(await control(request)) };
+  } catch (error) {
+    return { request, status: 0, answer: `not sent: ${error.message}` };
+  }
+}
+
+function showAnswer({ request, status, answer }) {
+  const ok = status === 200 && answer && answer.Ok === true;
+  const panel = controlsView.answer;
+  if (!panel) return;
+  panel.replaceChildren(
+    h('p', { class: ok ? 'verdict ok' : 'verdict failed', text: ok ? `Done (HTTP ${status})` : `Refused (HTTP ${status})${answer && answer.Error ? `: ${answer.Error}` : ''}` }),
+    h('h3', { text: 'Request' }), h('pre', { text: pretty(request) }),
+    h('h3', { text: 'Answer' }), h('pre', { class: 'answer', text: pretty(answer) }));
+  if (app.view !== controlsView) {
+    problem.hidden = ok;
+    problem.textContent = ok ? '' : `${request.Action}: refused (HTTP ${status})${answer && answer.Error ? `: ${answer.Error}` : ''}`;
+  }
+}
+
+// ---- the live connection -----------------------------------------------------------------------
+
+// How many journal entries arrived while the journal was not on screen.
+const newEntries = {
+  count: 0,
+  badge: document.getElementById('journal-new'),
+  add(n) {
+    this.count += n;
+    this.badge.hidden = false;
+    this.badge.textContent = String(this.count);
+  },
+  reset() {
+    this.count = 0;
+    this.badge.hidden = true;
+  },
+};
+
+// The event stream from the newest entry on. EventSource reconnects by itself and sends the last
+// id it saw, so a restart of the emulator loses and repeats nothing.
+function listen(after) {
+  const live = document.getElementById('live');
+  const events = new EventSource(`/api/events?after=${after}`);
+  const setLive = (state, text) => {
+    live.className = `live ${state}`;
+    live.textContent = text;
+  };
+  let batch = [];
+  const flush = () => {
+    const entries = batch;
+    batch = [];
+    if (app.view === journalView) journalView.arrived(entries);
+    else newEntries.add(entries.length);
+  };
+  events.addEventListener('open', () => setLive('up', 'live'));
+  events.addEventListener('error', () =>
+    setLive('down', events.readyState === EventSource.CLOSED ? 'disconnected: reload the page' : 'reconnecting…'));
+  events.addEventListener('journal', (event) => {
+    if (!batch.length) requestAnimationFrame(flush);
+    batch.push(JSON.parse(event.data));
+  });
+  events.addEventListener('changed', () => app.refreshSoon());
+}
+
+// ---- the page ----------------------------------------------------------------------------------
+
+const views = { documents: documentsView, locks: locksView, structure: structureView, journal: journalView, controls: controlsView };
+
+const app = {
+  view: null,
+  status: null,
+  main: document.getElementById('view'),
+  built: new Map(),
+  async start() {
+    window.addEventListener('hashchange', () => this.route());
+    await this.readStatus().catch(report);
+    this.route();
+    const newest = await get('/api/journal', { limit: 1 }).catch(() => ({ Items: [] }));
+    listen(newest.Items.length ? newest.Items[0].Seq : 0);
+  },
+  route() {
+    const [name, query] = location.hash.slice(1).split('?');
+    const view = views[name] || documentsView;
+    if (!this.built.has(view)) this.built.set(view, view.build());
+    this.view = view;
+    this.main.replaceChildren(this.built.get(view));
+    document.title = `${view.title} · Corvane emulator`;
+    for (const tab of document.querySelectorAll('#tabs a')) {
+      tab.classList.toggle('on', views[tab.dataset.view] === view);
+    }
+    this.run(() => view.show(new URLSearchParams(query || '')));
+  },
+  async run(step) {
+    try {
+      await step();
+      cleared();
+    } catch (error) {
+      report(error);
+    }
+  },
+  async readStatus() {
+    this.status = await get('/api/status');
+    const st = this.status;
+    document.getElementById('desktop').textContent = `${st.User} · ${st.Desktop || st.DataFolder || ''}${st.Cloud ? ` · shared cloud ${st.Cloud}` : ''}`;
+    const faults = (st.Faults || []).length;
+    document.getElementById('state').replaceChildren(
+      chip(st.Online ? 'online' : 'offline', st.Online ? 'ok' : 'error'),
+      chip(st.SignedIn ? 'signed in' : 'signed out', st.SignedIn ? 'ok' : 'error'),
+      h('span', { text: `${st.Documents} documents · ${st.Locks} locks · ${st.Sessions} sessions` }),
+      faults ? chip(`${faults} fault${faults > 1 ? 's' : ''}`, 'fault') : null);
+    return st;
+  },
+  // After a change: the status line and the view on screen, once for a burst of changes.
+  refreshSoon: debounce(() => app.run(async () => {
+    await app.readStatus();
+    if (app.view.followsChanges !== false) await app.view.refresh();
+  }), 100),
+};
+
+app.start();
