@@ -36,6 +36,7 @@ function when(iso) {
   return iso ? iso.replace('T', ' ').replace(/(\.\d+)?Z$/, '') : '';
 }
 
+const count = (n, noun) => `${n} ${noun}${n === 1 ? '' : 's'}`;
 const pretty = (value) => (typeof value === 'string' ? value : JSON.stringify(value, null, 2));
 const fileName = (path) => path.split(/[\\/]/).pop();
 
@@ -270,6 +271,7 @@ const structureView = {
       type: 'search',
       list: 'structure-choices',
       placeholder: 'Document: type a name or path',
+      class: 'wide',
       'aria-label': 'Document',
       oninput: debounce(() => this.suggest(), 150),
       onchange: () => this.choose(),
@@ -367,7 +369,7 @@ function drawNode(node, x, y, isRoot) {
     s('rect', { x, y, width: Box.width, height: Box.height, rx: 5 }),
     s('text', { x: x + 10, y: y + 18, class: 'name', text: clip(node.Name, 28) }),
     s('text', { x: x + 10, y: y + 35, class: 'file', text: clip(fileName(node.Path), 34) }),
-    mark ? s('text', { x: x + Box.width - 8, y: y + 18, class: 'mark', 'text-anchor': 'end', text: mark === 'cycle' ? '↻ cycle' : '⧉ repeated' }) : null);
+    mark ? s('text', { x: x + Box.width - 8, y: y + 18, class: 'mark', 'text-anchor': 'end', text: mark === 'cycle' ? '↻ cycle' : 'repeated' }) : null);
 }
 
 const clip = (text, most) => (text.length > most ? `${text.slice(0, most - 1)}…` : text);
@@ -484,11 +486,12 @@ const controlsView = {
     const as = (Action) => () => this.send({ Action, User: this.user.value.trim(), Path: this.path.value.trim() });
     const action = (Action, text) => h('button', { type: 'button', 'data-action': Action, text, onclick: () => this.send({ Action }) });
 
-    this.faultCommand = h('input', { list: 'journal-commands', 'aria-label': 'Command', placeholder: 'COMMAND' });
-    const number = (label) => h('input', { type: 'number', min: 0, step: 1, 'aria-label': label, placeholder: label, class: 'number' });
-    this.latency = number('Latency ms');
-    this.failCode = number('Fail code');
-    this.times = number('Times (0: until cleared)');
+    this.faultCommand = h('input', { list: 'journal-commands', placeholder: 'LOCKDESIGNREVISIONS' });
+    const number = () => h('input', { type: 'number', min: 0, step: 1, class: 'number' });
+    this.latency = number();
+    this.failCode = number();
+    this.times = number();
+    const field = (text, input) => h('label', { class: 'field' }, h('span', { text }), input);
     this.faults = h('div', {});
     this.connection = h('p', { class: 'caption' });
     this.reset = h('button', { type: 'button', class: 'danger', text: 'Reset…', onclick: () => this.confirmReset() });
@@ -505,7 +508,7 @@ const controlsView = {
         this.connection,
         h('div', { class: 'row' }, action('offline', 'Go offline'), action('online', 'Go online'), action('signout', 'Sign out'), action('signin', 'Sign in'))),
       card('Faults', 'A fault delays a command, answers it with an error code, or both; Times 0 lasts until cleared.',
-        h('div', { class: 'row' }, this.faultCommand, this.latency, this.failCode, this.times,
+        h('div', { class: 'row' }, field('Command', this.faultCommand), field('Latency ms', this.latency), field('Fail code', this.failCode), field('Times', this.times),
           h('button', { type: 'button', 'data-action': 'fault', text: 'Add fault', onclick: () => this.send(this.faultRequest()) })),
         this.faults,
         h('div', { class: 'row' }, action('clear-faults', 'Clear faults'))),
@@ -681,13 +684,13 @@ const app = {
   async readStatus() {
     this.status = await get('/api/status');
     const st = this.status;
-    document.getElementById('desktop').textContent = `${st.User} · ${st.Desktop || st.DataFolder || ''}${st.Cloud ? ` · shared cloud ${st.Cloud}` : ''}`;
+    document.getElementById('desktop').textContent = `${st.Desktop || st.User}${st.Cloud ? ` · shared cloud ${st.Cloud}` : ''}`;
     const faults = (st.Faults || []).length;
     document.getElementById('state').replaceChildren(
       chip(st.Online ? 'online' : 'offline', st.Online ? 'ok' : 'error'),
       chip(st.SignedIn ? 'signed in' : 'signed out', st.SignedIn ? 'ok' : 'error'),
-      h('span', { text: `${st.Documents} documents · ${st.Locks} locks · ${st.Sessions} sessions` }),
-      faults ? chip(`${faults} fault${faults > 1 ? 's' : ''}`, 'fault') : null);
+      h('span', { text: [count(st.Documents, 'document'), count(st.Locks, 'lock'), count(st.Sessions, 'session')].join(' · ') }),
+      faults ? chip(count(faults, 'fault'), 'fault') : null);
     return st;
   },
   // After a change: the status line and the view on screen, once for a burst of changes.
