@@ -316,7 +316,7 @@ const structureView = {
     this.picker.value = root.Path;
     this.caption.textContent = parents
       ? `Where ${root.Name} is used: each document points to those that use it (assemblies, drawings).`
-      : `What ${root.Name} contains.`;
+      : `What ${root.Name} contains: each assembly points to its children.`;
     this.drawing.replaceChildren(drawTree(root));
   },
 };
@@ -350,13 +350,15 @@ function drawTree(root) {
     for (const kid of spot.kids) {
       const [x1, y1, x2, y2] = [x(spot) + Box.width, y(spot) + Box.height / 2, x(kid), y(kid) + Box.height / 2];
       const bend = (x2 - x1) / 2;
-      edges.push(s('path', { class: 'edge', d: `M${x1},${y1} C${x1 + bend},${y1} ${x2 - bend},${y2} ${x2},${y2}` }));
+      edges.push(s('path', { class: 'edge', 'marker-end': 'url(#arrow)', d: `M${x1},${y1} C${x1 + bend},${y1} ${x2 - bend},${y2} ${x2 - 2},${y2}` }));
     }
     nodes.push(drawNode(spot.node, x(spot), y(spot), spot.depth === 0));
   }
   const width = 2 * Box.margin + deepest * Box.across + Box.width;
   const height = 2 * Box.margin + Math.max(rows, 1) * Box.down - (Box.down - Box.height);
   return s('svg', { class: 'tree', width, height, viewBox: `0 0 ${width} ${height}`, role: 'img', 'aria-label': `Structure of ${root.Name}` },
+    s('defs', {}, s('marker', { id: 'arrow', viewBox: '0 0 8 8', refX: 7, refY: 4, markerWidth: 7, markerHeight: 7, orient: 'auto' },
+      s('path', { d: 'M0,0 L8,4 L0,8 z', class: 'arrow' }))),
     s('g', {}, ...edges), s('g', {}, ...nodes));
 }
 
