@@ -315,7 +315,7 @@ const structureView = {
     const parents = this.params.direction === 'parents';
     this.picker.value = root.Path;
     this.caption.textContent = parents
-      ? `Where ${root.Name} is used: each document points to those that use it (assemblies, drawings).`
+      ? `Where ${root.Name} is used: each document points to the assemblies that contain it and, dashed, to its drawings.`
       : `What ${root.Name} contains: each assembly points to its children.`;
     this.drawing.replaceChildren(drawTree(root));
   },
@@ -350,7 +350,7 @@ function drawTree(root) {
     for (const kid of spot.kids) {
       const [x1, y1, x2, y2] = [x(spot) + Box.width, y(spot) + Box.height / 2, x(kid), y(kid) + Box.height / 2];
       const bend = (x2 - x1) / 2;
-      edges.push(s('path', { class: 'edge', 'marker-end': 'url(#arrow)', d: `M${x1},${y1} C${x1 + bend},${y1} ${x2 - bend},${y2} ${x2 - 2},${y2}` }));
+      edges.push(s('path', { class: kid.node.Relation === 'DrawingOf' ? 'edge drawing-of' : 'edge', 'marker-end': 'url(#arrow)', d: `M${x1},${y1} C${x1 + bend},${y1} ${x2 - bend},${y2} ${x2 - 2},${y2}` }));
     }
     nodes.push(drawNode(spot.node, x(spot), y(spot), spot.depth === 0));
   }
