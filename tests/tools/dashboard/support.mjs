@@ -50,6 +50,7 @@ export class Emulator {
     this.process = spawn(emulatorProgram, ['serve', '--data', this.data, '--workspace', this.workspace], {
       stdio: ['ignore', 'ignore', 'pipe'],
     });
+    this.exited = new Promise((done) => this.process.once('exit', done));
     let said = '';
     this.process.stderr.on('data', (chunk) => (said += chunk));
     const file = path.join(this.data, 'endpoint.json');
@@ -87,8 +88,7 @@ export class Emulator {
 
   async stop() {
     spawnSync(emulatorProgram, ['stop', '--data', this.data], { timeout: 20000 });
-    if (this.process.exitCode === null) {
-      await Promise.race([new Promise((done) => this.process.once('exit', done)), sleep(10000)]);
+    if ((await Promise.race([this.exited.then(() => 'ended'), sleep(10000)])) !== 'ended') {
       this.process.kill('SIGKILL');
     }
     fs.rmSync(this.scratch, { recursive: true, force: true });
