@@ -213,6 +213,16 @@ std::optional<std::int64_t> Store::SessionUser(std::string_view id) {
     return db_.QueryInt("SELECT user_id FROM sessions WHERE id = ?", id);
 }
 
+std::vector<SessionListing> Store::AllSessions() {
+    Statement row = db_.Prepare("SELECT s.id, u.name, s.process_id, s.created FROM sessions s "
+                                "JOIN users u ON u.id = s.user_id ORDER BY s.created, s.id");
+    std::vector<SessionListing> sessions;
+    while (row.Step()) {
+        sessions.push_back({row.Text(0), row.Text(1), row.Int(2), row.Text(3)});
+    }
+    return sessions;
+}
+
 void Store::SaveSnapshot() {
     std::vector<std::string> tables;
     {
