@@ -12,10 +12,10 @@ test('the journal export is JSON Lines of the commands sent, without the token o
 
     const page = await openDashboard(browser, emulator);
     for (const args of [['checkout', emulator.document('Gearbox/cover.par')], ['roots']]) {
-      emulator.host(...args);
+      await emulator.host(...args);
     }
     await page.click('#tabs a[data-view=journal]');
-    await page.locator('details.entry .command', { hasText: /^GETCORVANEROOTFOLDERS$/ }).waitFor();
+    await page.locator('details.entry .command', { hasText: /^GETCORVANEROOTFOLDERS$/ }).first().waitFor();
     const [download] = await Promise.all([page.waitForEvent('download'), page.click('text=Export JSON Lines')]);
     const text = fs.readFileSync(await download.path(), 'utf8');
     const entries = text.trimEnd().split('\n').map((line) => JSON.parse(line));

@@ -36,7 +36,7 @@ async function fromDocuments(page, file, link) {
 test('the structure view draws an assembly, where a part is used, and marks repeats and cycles', () =>
   withDashboard(async (emulator, browser) => {
     const page = await openDashboard(browser, emulator);
-    await fromDocuments(page, 'gearbox.asm', 'contents');
+    await fromDocuments(page, 'gearbox.asm', 'tree');
     const children = reachable('Gearbox/gearbox.asm', 'parent', 'child', ['DesignChildRelation']);
     assert.deepEqual((await drawn(page, 'What Gearbox contains')).sort(), children);
     await screenshot(page, 'structure');
@@ -48,10 +48,10 @@ test('the structure view draws an assembly, where a part is used, and marks repe
 
     // The housing again under the shaft assembly, and the gearbox inside its own shaft.
     for (const [parent, child] of [['Gearbox/Shaft/shaft-assembly.asm', 'Gearbox/housing.psm'], ['Gearbox/Shaft/shaft.par', 'Gearbox/gearbox.asm']]) {
-      const run = emulator.host('children', 'add', emulator.document(parent), emulator.document(child));
+      const run = await emulator.host('children', 'add', emulator.document(parent), emulator.document(child));
       assert.equal(run.status, 0, run.err);
     }
-    await fromDocuments(page, 'gearbox.asm', 'contents');
+    await fromDocuments(page, 'gearbox.asm', 'tree');
     await page.locator('svg.tree a.node.cycle').waitFor();
     assert.deepEqual(await page.locator('svg.tree a.node.cycle .name').allTextContents(), ['Gearbox']);
     assert.deepEqual(await page.locator('svg.tree a.node.repeated .name').allTextContents(), ['Housing']);

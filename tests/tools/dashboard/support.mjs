@@ -76,14 +76,17 @@ export class Emulator {
     return path.join(this.workspace, relative);
   }
 
-  // vanto_host against this emulator, as a person runs it.
+  // vanto_host against this emulator, as a person runs it: a promise of its exit status and
+  // output, which also tells the process id while it runs.
   host(...args) {
-    const run = spawnSync(hostProgram, ['--data', this.data, ...args], {
-      encoding: 'utf8',
-      timeout: 60000,
-      env: { ...process.env, VANTO_CORVANE_EMULATOR: emulatorProgram, VANTO_CORVANE_DATA: this.data },
+    const child = spawn(hostProgram, ['--data', this.data, ...args], {
+      env: { ...process.env, VANTO_CORVANE_EMULATOR: emulatorProgram },
     });
-    return { status: run.status, out: run.stdout, err: run.stderr };
+    const run = { out: '', err: '' };
+    child.stdout.on('data', (chunk) => (run.out += chunk));
+    child.stderr.on('data', (chunk) => (run.err += chunk));
+    const ended = new Promise((done) => child.once('close', (status) => done({ status, ...run })));
+    return Object.assign(ended, { pid: child.pid });
   }
 
   async stop() {

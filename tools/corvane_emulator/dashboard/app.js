@@ -40,6 +40,13 @@ const count = (n, noun) => `${n} ${noun}${n === 1 ? '' : 's'}`;
 const pretty = (value) => (typeof value === 'string' ? value : JSON.stringify(value, null, 2));
 const fileName = (path) => path.split(/[\\/]/).pop();
 
+// A path whose folder gives way, shortened at its end, before its file name does.
+function pathCell(d) {
+  const name = fileName(d.Path);
+  return h('span', { class: 'path', title: d.Path },
+    h('span', { class: 'folder', text: d.Path.slice(0, d.Path.length - name.length) }), h('span', { class: 'file', text: name }));
+}
+
 // ---- talking to the emulator -------------------------------------------------------------------
 
 class HttpError extends Error {
@@ -185,7 +192,7 @@ const documentsView = {
     const page = await this.load(this.query);
     if (!page) return;
     const columns = [
-      { title: 'Path', cell: (d) => d.Path, className: 'path', tip: true },
+      { title: 'Path', cell: pathCell },
       { title: 'Name', cell: (d) => d.Name },
       { title: 'Document id', cell: (d) => d.DocumentId, className: 'mono' },
       { title: 'Rev', cell: (d) => d.Revision, className: 'narrow' },
@@ -194,7 +201,7 @@ const documentsView = {
       { title: 'Since', cell: (d) => when(d.LockedAt), className: 'time' },
       { title: 'Expires', cell: expiry, className: 'time' },
       { title: 'Permissions', cell: permissionsCell },
-      { title: 'Structure', cell: (d) => h('span', { class: 'links' }, structureLink(d, 'children', 'contents'), structureLink(d, 'parents', 'where used')) },
+      { title: 'Structure', cell: (d) => h('span', { class: 'links' }, structureLink(d, 'children', 'tree'), structureLink(d, 'parents', 'where used')) },
     ];
     const rowProps = (d) => ({ class: d.DocumentId === this.query.focus ? 'focus' : null, 'data-id': d.DocumentId });
     this.body.replaceChildren(page.Items.length ? table(columns, page.Items, rowProps) : empty('No document matches.'));
@@ -213,7 +220,7 @@ const documentsView = {
 };
 
 function versionCell(d) {
-  if (d.CloudVersion > d.Version) {
+  if (d.CloudVersion && d.CloudVersion !== d.Version) {
     return h('span', { title: 'A newer version is in the cloud' }, `${d.Version} `, chip(`cloud ${d.CloudVersion}`, 'newer'));
   }
   return String(d.Version);
@@ -239,7 +246,7 @@ const locksView = {
       showAnswer(await acting({ Action: 'unlock', User: lock.LockedBy, Path: lock.Path }));
     };
     this.locks.replaceChildren(locks.Items.length ? table([
-      { title: 'Path', cell: (l) => h('a', { href: documentHref(l), text: l.Path }), className: 'path' },
+      { title: 'Path', cell: (l) => h('a', { href: documentHref(l) }, pathCell(l)) },
       { title: 'Document id', cell: (l) => l.DocumentId, className: 'mono' },
       { title: 'Locked by', cell: lockCell },
       { title: 'Since', cell: (l) => when(l.LockedAt), className: 'time' },
@@ -278,7 +285,7 @@ const structureView = {
     });
     this.choices = h('datalist', { id: 'structure-choices' });
     this.directions = h('span', { class: 'segmented' },
-      ...[['children', 'Contents'], ['parents', 'Where used']].map(([direction, text]) =>
+      ...[['children', 'Tree'], ['parents', 'Where used']].map(([direction, text]) =>
         h('button', { type: 'button', 'data-direction': direction, text, onclick: () => this.navigate({ direction }) })));
     this.caption = h('p', { class: 'caption' });
     this.drawing = h('div', { class: 'drawing' });
@@ -307,7 +314,7 @@ const structureView = {
   },
   async refresh() {
     if (!this.params.document) {
-      this.caption.textContent = 'Choose a document above, or "contents" or "where used" in the documents list.';
+      this.caption.textContent = 'Choose a document above, or "tree" or "where used" in the documents list.';
       this.drawing.replaceChildren();
       return;
     }
@@ -688,11 +695,13 @@ const app = {
     const st = this.status;
     document.getElementById('desktop').textContent = `${st.Desktop || st.User}${st.Cloud ? ` · shared cloud ${st.Cloud}` : ''}`;
     const faults = (st.Faults || []).length;
-    document.getElementById('state').replaceChildren(
+    const state = [
       chip(st.Online ? 'online' : 'offline', st.Online ? 'ok' : 'error'),
       chip(st.SignedIn ? 'signed in' : 'signed out', st.SignedIn ? 'ok' : 'error'),
       h('span', { text: [count(st.Documents, 'document'), count(st.Locks, 'lock'), count(st.Sessions, 'session')].join(' · ') }),
-      faults ? chip(count(faults, 'fault'), 'fault') : null);
+    ];
+    if (faults) state.push(chip(count(faults, 'fault'), 'fault'));
+    document.getElementById('state').replaceChildren(...state);
     return st;
   },
   // After a change: the status line and the view on screen, once for a burst of changes.
