@@ -1,20 +1,21 @@
-// The journal's export holds what was sent and nothing secret; a page without the token gets
-// nothing.
+// Entries arrive on the open journal, its export holds what was sent and nothing secret; a page
+// without the token gets nothing.
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import { test } from 'node:test';
 import { openDashboard, withDashboard } from './support.mjs';
 
-test('the journal export is JSON Lines of the commands sent, without the token or the secret', () =>
+test('the journal shows commands as they come and exports them as JSON Lines, without the token or the secret', () =>
   withDashboard(async (emulator, browser) => {
     const stranger = await browser.newPage();
     assert.equal((await stranger.goto(`${emulator.origin}/`)).status(), 401);
 
     const page = await openDashboard(browser, emulator);
+    await page.click('#tabs a[data-view=journal]');
     for (const args of [['checkout', emulator.document('Gearbox/cover.par')], ['roots']]) {
       await emulator.host(...args);
     }
-    await page.click('#tabs a[data-view=journal]');
+    // They arrive on the open journal by the event stream.
     await page.locator('details.entry .command', { hasText: /^GETCORVANEROOTFOLDERS$/ }).first().waitFor();
     const [download] = await Promise.all([page.waitForEvent('download'), page.click('text=Export JSON Lines')]);
     const text = fs.readFileSync(await download.path(), 'utf8');

@@ -91,7 +91,7 @@ export class Emulator {
 
   async stop() {
     spawnSync(emulatorProgram, ['stop', '--data', this.data], { timeout: 20000 });
-    if ((await Promise.race([this.exited.then(() => 'ended'), sleep(10000)])) !== 'ended') {
+    if ((await Promise.race([this.exited.then(() => 'ended'), sleep(10000, 'late', { ref: false })])) !== 'ended') {
       this.process.kill('SIGKILL');
     }
     fs.rmSync(this.scratch, { recursive: true, force: true });

@@ -403,6 +403,7 @@ const journalView = {
     this.list = h('div', { class: 'journal' });
     this.more = h('button', { type: 'button', text: 'Older entries', onclick: () => this.older() });
     this.load = latestOnly((params) => get('/api/journal', params));
+    this.newest = Infinity; // until the first page is drawn, the stream's entries wait in recentEntries
     return h('section', {},
       h('div', { class: 'toolbar' }, this.commandFilter, this.commands, this.userFilter, this.users,
         h('label', { class: 'check' }, this.errorsOnly, ' errors only'),
@@ -424,9 +425,12 @@ const journalView = {
     const page = await this.load({ ...this.filters(), limit: JournalPage });
     if (!page) return;
     this.list.replaceChildren(...page.Items.map((entry) => this.entry(entry)));
+    this.newest = page.Items.length ? page.Items[0].Seq : 0;
     this.oldest = page.Items.length ? page.Items[page.Items.length - 1].Seq : 0;
     this.more.hidden = page.Items.length < JournalPage;
     if (!page.Items.length) this.list.append(empty('No entry matches.'));
+    // Entries that came by the stream while the page was on its way.
+    this.arrived(recentEntries);
   },
   async older() {
     const page = await get('/api/journal', { ...this.filters(), before: this.oldest, limit: JournalPage });
@@ -434,10 +438,11 @@ const journalView = {
     if (page.Items.length) this.oldest = page.Items[page.Items.length - 1].Seq;
     this.more.hidden = page.Items.length < JournalPage;
   },
-  // Entries that arrived by the event stream, oldest first.
+  // Entries that arrived by the event stream, oldest first; those already shown are passed over.
   arrived(entries) {
-    const shown = entries.filter((entry) => this.matches(entry));
+    const shown = entries.filter((entry) => entry.Seq > this.newest && this.matches(entry));
     if (!shown.length) return;
+    this.newest = shown[shown.length - 1].Seq;
     this.list.querySelector(':scope > .empty')?.remove();
     this.list.prepend(...shown.reverse().map((entry) => this.entry(entry)));
     while (this.list.childElementCount > JournalShown) this.list.lastElementChild.remove();
@@ -613,6 +618,10 @@ function showAnswer({ request, status, answer }) {
 
 // ---- the live connection -----------------------------------------------------------------------
 
+// The latest entries from the stream, oldest first: a journal page fetched meanwhile may lack them.
+const recentEntries = [];
+const RecentKept = 500;
+
 // How many journal entries arrived while the journal was not on screen.
 const newEntries = {
   count: 0,
@@ -641,6 +650,8 @@ function listen(after) {
   const flush = () => {
     const entries = batch;
     batch = [];
+    recentEntries.push(...entries);
+    recentEntries.splice(0, Math.max(0, recentEntries.length - RecentKept));
     if (app.view === journalView) journalView.arrived(entries);
     else newEntries.add(entries.length);
   };
