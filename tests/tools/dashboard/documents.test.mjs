@@ -40,6 +40,5 @@ test('a check-out through vanto_host shows without reload and its request and an
     assert.equal(typeof answer, 'object');
     assert.equal(await entry.locator('.chip.error').count(), 0);
     assert.equal(await page.evaluate(() => window.sameDocument), true);
-    await screenshot(page, 'journal');
     assert.deepEqual(page.failures, []);
   }));

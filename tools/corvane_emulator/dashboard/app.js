@@ -160,6 +160,30 @@ function permissionsCell(d) {
 const structureLink = (d, direction, text) =>
   h('a', { href: `#structure?document=${encodeURIComponent(d.DocumentId)}&direction=${direction}`, text });
 
+// Commands and users met so far (journal entries, permissions), offered as the inputs are typed in.
+function knownValues(id) {
+  const list = document.getElementById(id);
+  const values = new Set();
+  return {
+    get size() {
+      return values.size;
+    },
+    learn(value) {
+      if (value && !values.has(value)) {
+        values.add(value);
+        list.append(h('option', { value }));
+      }
+    },
+  };
+}
+const known = { commands: knownValues('known-commands'), users: knownValues('known-users') };
+// From commands only: a control's Command is its action, and its User may be one it refused.
+function learnFrom(entry) {
+  if (entry.Operation !== 'execute') return;
+  known.commands.learn(entry.Command);
+  known.users.learn(entry.User);
+}
+
 // ---- Documents ---------------------------------------------------------------------------------
 
 const PageSize = 100;
@@ -392,12 +416,9 @@ const journalView = {
   title: 'Journal',
   followsChanges: false, // its entries come by the event stream
   build() {
-    this.commandFilter = h('input', { type: 'search', list: 'journal-commands', placeholder: 'Command', 'aria-label': 'Command' });
-    this.userFilter = h('input', { type: 'search', list: 'journal-users', placeholder: 'User', 'aria-label': 'User' });
+    this.commandFilter = h('input', { type: 'search', list: 'known-commands', placeholder: 'Command', 'aria-label': 'Command' });
+    this.userFilter = h('input', { type: 'search', list: 'known-users', placeholder: 'User', 'aria-label': 'User' });
     this.errorsOnly = h('input', { type: 'checkbox', id: 'errors-only' });
-    this.commands = h('datalist', { id: 'journal-commands' });
-    this.users = h('datalist', { id: 'journal-users' });
-    this.seen = { commands: new Set(), users: new Set() };
     const again = debounce(() => this.refresh(), 200);
     for (const input of [this.commandFilter, this.userFilter, this.errorsOnly]) input.addEventListener('input', again);
     this.list = h('div', { class: 'journal' });
@@ -405,7 +426,7 @@ const journalView = {
     this.load = latestOnly((params) => get('/api/journal', params));
     this.newest = Infinity; // until the first page is drawn, the stream's entries wait in recentEntries
     return h('section', {},
-      h('div', { class: 'toolbar' }, this.commandFilter, this.commands, this.userFilter, this.users,
+      h('div', { class: 'toolbar' }, this.commandFilter, this.userFilter,
         h('label', { class: 'check' }, this.errorsOnly, ' errors only'),
         h('a', { class: 'button', href: '/api/journal/export', download: 'journal.jsonl', text: 'Export JSON Lines' })),
       this.list, h('div', { class: 'toolbar' }, this.more));
@@ -447,17 +468,11 @@ const journalView = {
     this.list.prepend(...shown.reverse().map((entry) => this.entry(entry)));
     while (this.list.childElementCount > JournalShown) this.list.lastElementChild.remove();
   },
-  learn(entry) {
-    for (const [set, list, value] of [[this.seen.commands, this.commands, entry.Command], [this.seen.users, this.users, entry.User]]) {
-      if (value && !set.has(value)) {
-        set.add(value);
-        list.append(h('option', { value }));
-      }
-    }
-  },
   entry(e) {
-    this.learn(e);
+    learnFrom(e);
     const errors = e.Errors || [];
+    // A control the emulator turned down has no protocol error, but it did not happen.
+    const refused = e.Operation === 'control' && e.Answer && e.Answer.Ok === false;
     return h('details', { class: errors.length ? 'entry failed' : 'entry', 'data-seq': e.Seq },
       h('summary', {},
         h('span', { class: 'seq', text: `#${e.Seq}` }),
@@ -468,8 +483,9 @@ const journalView = {
         h('span', { class: 'ms', text: `${Number(e.DurationMs).toFixed(2)} ms` }),
         h('span', { class: 'outcome' },
           ...errors.map((error) => chip(`${error.Code} ${error.Name}`, 'error')),
+          refused ? chip('refused', 'error') : null,
           e.Fault ? chip(faultText(e.Fault), 'fault') : null,
-          errors.length || e.Fault ? null : chip('ok', 'ok'))),
+          errors.length || refused || e.Fault ? null : chip('ok', 'ok'))),
       h('div', { class: 'detail' },
         h('dl', {},
           h('dt', { text: 'Session' }), h('dd', { class: 'mono', text: e.Session || '—' }),
@@ -493,14 +509,13 @@ function faultText(fault) {
 const controlsView = {
   title: 'Controls',
   build() {
-    this.user = h('input', { list: 'control-users', value: 'Ben Okafor', 'aria-label': 'User', placeholder: 'User' });
-    this.users = h('datalist', { id: 'control-users' });
+    this.user = h('input', { list: 'known-users', value: 'Ben Okafor', 'aria-label': 'User', placeholder: 'User' });
     this.path = h('input', { type: 'search', list: 'control-paths', 'aria-label': 'Path', placeholder: 'Document path', class: 'wide', oninput: debounce(() => this.suggest(), 150) });
     this.paths = h('datalist', { id: 'control-paths' });
     const as = (Action) => () => this.send({ Action, User: this.user.value.trim(), Path: this.path.value.trim() });
     const action = (Action, text) => h('button', { type: 'button', 'data-action': Action, text, onclick: () => this.send({ Action }) });
 
-    this.faultCommand = h('input', { list: 'journal-commands', placeholder: 'LOCKDESIGNREVISIONS' });
+    this.faultCommand = h('input', { list: 'known-commands', placeholder: 'LOCKDESIGNREVISIONS' });
     const number = () => h('input', { type: 'number', min: 0, step: 1, class: 'number' });
     this.latency = number();
     this.failCode = number();
@@ -513,7 +528,7 @@ const controlsView = {
 
     return h('section', { class: 'cards' },
       card('Act as another user', 'Lock, unlock or save a new version in the cloud, as someone else would.',
-        h('div', { class: 'row' }, this.user, this.users, this.path, this.paths),
+        h('div', { class: 'row' }, this.user, this.path, this.paths),
         h('div', { class: 'row' },
           h('button', { type: 'button', 'data-action': 'lock', text: 'Lock', onclick: as('lock') }),
           h('button', { type: 'button', 'data-action': 'unlock', text: 'Unlock', onclick: as('unlock') }),
@@ -542,15 +557,7 @@ const controlsView = {
     this.learnUsers(page.Items);
   },
   learnUsers(documents) {
-    const known = new Set([...this.users.options].map((o) => o.value));
-    for (const d of documents) {
-      for (const user of Object.keys(d.Permissions || {})) {
-        if (!known.has(user)) {
-          known.add(user);
-          this.users.append(h('option', { value: user }));
-        }
-      }
-    }
+    for (const d of documents) Object.keys(d.Permissions || {}).forEach((user) => known.users.learn(user));
   },
   confirmReset() {
     if (this.reset.classList.contains('armed')) {
@@ -585,7 +592,7 @@ const controlsView = {
       { title: 'Fails with', cell: (f) => (f.FailCode ? String(f.FailCode) : '—') },
       { title: 'Times left', cell: (f) => (f.Times ? String(f.Times) : 'until cleared') },
     ], faults) : empty('No fault is active.'));
-    if (!this.users.options.length) this.learnUsers((await get('/api/documents', { limit: 50 })).Items);
+    if (!known.users.size) this.learnUsers((await get('/api/documents', { limit: 50 })).Items);
   },
 };
 
@@ -650,6 +657,7 @@ function listen(after) {
   const flush = () => {
     const entries = batch;
     batch = [];
+    entries.forEach(learnFrom);
     recentEntries.push(...entries);
     recentEntries.splice(0, Math.max(0, recentEntries.length - RecentKept));
     if (app.view === journalView) journalView.arrived(entries);
@@ -678,8 +686,9 @@ const app = {
     window.addEventListener('hashchange', () => this.route());
     await this.readStatus().catch(report);
     this.route();
-    const newest = await get('/api/journal', { limit: 1 }).catch(() => ({ Items: [] }));
-    listen(newest.Items.length ? newest.Items[0].Seq : 0);
+    const latest = await get('/api/journal', { limit: JournalPage }).catch(() => ({ Items: [] }));
+    latest.Items.forEach(learnFrom);
+    listen(latest.Items.length ? latest.Items[0].Seq : 0);
   },
   route() {
     const [name, query] = location.hash.slice(1).split('?');
