@@ -162,6 +162,10 @@ Answer Handler::Execute(std::string_view request, Fault fault, Noted& noted) {
     }
     const std::string_view commandName = name->get_string();
     noted.command = commandName;
+    const json::value* session = object.if_contains("SessionId");
+    if (session != nullptr && session->is_string()) {
+        noted.session = session->get_string();
+    }
     const auto found = commands_.find(commandName);
     if (found == commands_.end()) {
         return {ErrorAnswer(ReturnCode::CommandNotSupported, commandName)};
@@ -171,10 +175,6 @@ Answer Handler::Execute(std::string_view request, Fault fault, Noted& noted) {
     if (!MatchesSchema(*value, *command.inputSchema) ||
         (version != nullptr && !(version->is_int64() && version->get_int64() == EnvelopeVersion))) {
         return {ErrorAnswer(ReturnCode::InvalidInput)};
-    }
-    const json::value* session = object.if_contains("SessionId");
-    if (session != nullptr) {
-        noted.session = session->get_string();
     }
 
     Transaction transaction = store_.Begin();
