@@ -44,7 +44,8 @@ const fileName = (path) => path.split(/[\\/]/).pop();
 function pathCell(d) {
   const name = fileName(d.Path);
   return h('span', { class: 'path', title: d.Path },
-    h('span', { class: 'folder', text: d.Path.slice(0, d.Path.length - name.length) }), h('span', { class: 'file', text: name }));
+    h('span', { class: 'folder', text: d.Path.slice(0, d.Path.length - name.length) }),
+    h('span', { class: 'file', text: name }));
 }
 
 // ---- talking to the emulator -------------------------------------------------------------------
@@ -56,15 +57,19 @@ class HttpError extends Error {
   }
 }
 
-async function answerOf(response) {
+// The body as JSON, or as the text it is when it is none (shown as it came).
+async function bodyOf(response) {
   const text = await response.text();
-  let body = text;
   try {
-    body = JSON.parse(text);
+    return JSON.parse(text);
   } catch {
-    // a text that is no JSON is shown as it came
+    return text;
   }
-  if (!response.ok) throw new HttpError(response.status, body && body.Error ? body.Error : text);
+}
+
+async function answerOf(response) {
+  const body = await bodyOf(response);
+  if (!response.ok) throw new HttpError(response.status, body && body.Error ? body.Error : body);
   return body;
 }
 
@@ -86,14 +91,7 @@ async function control(request) {
     headers: { 'Content-Type': 'application/json' },
     body: JSON.stringify(request),
   });
-  const text = await response.text();
-  let answer = text;
-  try {
-    answer = JSON.parse(text);
-  } catch {
-    // shown as it came
-  }
-  return { status: response.status, answer };
+  return { status: response.status, answer: await bodyOf(response) };
 }
 
 // Runs the newest of overlapping loads only: a slow answer to an old search never overwrites the
@@ -146,15 +144,20 @@ function table(columns, rows, rowProps = () => ({})) {
 const empty = (text) => h('p', { class: 'empty', text });
 const chip = (text, kind = '') => h('span', { class: `chip ${kind}`, text });
 
-function lockCell(d) {
-  if (!d.LockedBy) return h('span', { class: 'muted', text: 'free' });
-  return h('span', {}, chip(d.LockedBy, 'lock'));
-}
+const lockCell = (d) => (d.LockedBy ? chip(d.LockedBy, 'lock') : h('span', { class: 'muted', text: 'free' }));
 const expiry = (d) => (d.LockedBy ? d.LockExpires ? when(d.LockExpires) : 'never' : '');
 
 function permissionsCell(d) {
   const entries = Object.entries(d.Permissions || {});
-  return h('span', { class: 'chips' }, ...entries.map(([user, level]) => chip(`${user}: ${level}`, `perm-${String(level).toLowerCase()}`)));
+  const level = ([user, permission]) => chip(`${user}: ${permission}`, `perm-${String(permission).toLowerCase()}`);
+  return h('span', { class: 'chips' }, ...entries.map(level));
+}
+
+// The first documents that match what was typed, offered by a datalist.
+async function suggestDocuments(text, datalist) {
+  const page = await get('/api/documents', { q: text, limit: 20 });
+  datalist.replaceChildren(...page.Items.map((d) => h('option', { value: d.Path, label: d.Name })));
+  return page.Items;
 }
 
 const structureLink = (d, direction, text) =>
@@ -204,7 +207,11 @@ const documentsView = {
     return h('section', {}, h('div', { class: 'toolbar' }, this.search, this.pager), this.body);
   },
   show(params) {
-    this.query = { q: params.get('q') || '', offset: Number(params.get('offset')) || 0, focus: params.get('focus') || '' };
+    this.query = {
+      q: params.get('q') || '',
+      offset: Number(params.get('offset')) || 0,
+      focus: params.get('focus') || '',
+    };
     this.search.value = this.query.q;
     return this.refresh();
   },
@@ -225,7 +232,10 @@ const documentsView = {
       { title: 'Since', cell: (d) => when(d.LockedAt), className: 'time' },
       { title: 'Expires', cell: expiry, className: 'time' },
       { title: 'Permissions', cell: permissionsCell },
-      { title: 'Structure', cell: (d) => h('span', { class: 'links' }, structureLink(d, 'children', 'tree'), structureLink(d, 'parents', 'where used')) },
+      {
+        title: 'Structure',
+        cell: (d) => h('span', { class: 'links' }, structureLink(d, 'children', 'tree'), structureLink(d, 'parents', 'where used')),
+      },
     ];
     const rowProps = (d) => ({ class: d.DocumentId === this.query.focus ? 'focus' : null, 'data-id': d.DocumentId });
     this.body.replaceChildren(page.Items.length ? table(columns, page.Items, rowProps) : empty('No document matches.'));
@@ -234,18 +244,20 @@ const documentsView = {
   },
   drawPager(page) {
     const last = Math.min(page.Offset + page.Items.length, page.Total);
-    const step = (offset) => () => this.go({ ...this.query, offset, focus: '' });
+    const step = (text, offset, disabled) =>
+      h('button', { type: 'button', disabled, text, onclick: () => this.go({ ...this.query, offset, focus: '' }) });
     this.pager.replaceChildren(
-      h('button', { type: 'button', disabled: page.Offset === 0, onclick: step(Math.max(0, page.Offset - PageSize)), text: '‹ Previous' }),
+      step('‹ Previous', Math.max(0, page.Offset - PageSize), page.Offset === 0),
       h('span', { text: page.Total ? `${page.Offset + 1}–${last} of ${page.Total}` : '0 documents' }),
-      h('button', { type: 'button', disabled: last >= page.Total, onclick: step(page.Offset + PageSize), text: 'Next ›' }),
+      step('Next ›', page.Offset + PageSize, last >= page.Total),
     );
   },
 };
 
 function versionCell(d) {
   if (d.CloudVersion && d.CloudVersion !== d.Version) {
-    return h('span', { title: 'A newer version is in the cloud' }, `${d.Version} `, chip(`cloud ${d.CloudVersion}`, 'newer'));
+    const newer = chip(`cloud ${d.CloudVersion}`, 'newer');
+    return h('span', { title: 'A newer version is in the cloud' }, `${d.Version} `, newer);
   }
   return String(d.Version);
 }
@@ -275,7 +287,10 @@ const locksView = {
       { title: 'Locked by', cell: lockCell },
       { title: 'Since', cell: (l) => when(l.LockedAt), className: 'time' },
       { title: 'Expires', cell: expiry, className: 'time' },
-      { title: '', cell: (l) => h('button', { type: 'button', class: 'small', onclick: release(l), text: `Unlock as ${l.LockedBy}` }) },
+      {
+        title: '',
+        cell: (l) => h('button', { type: 'button', class: 'small', onclick: release(l), text: `Unlock as ${l.LockedBy}` }),
+      },
     ], locks.Items) : empty('No document is locked.'));
     this.sessions.replaceChildren(sessions.Items.length ? table([
       { title: 'Process id', cell: (c) => String(c.Pid), className: 'narrow' },
@@ -310,27 +325,32 @@ const structureView = {
     this.choices = h('datalist', { id: 'structure-choices' });
     this.directions = h('span', { class: 'segmented' },
       ...[['children', 'Tree'], ['parents', 'Where used']].map(([direction, text]) =>
-        h('button', { type: 'button', 'data-direction': direction, text, onclick: () => this.navigate({ direction }) })));
+        h('button', { type: 'button', 'data-direction': direction, text, onclick: () => this.navigate({ direction }) }),
+      ),
+    );
     this.caption = h('p', { class: 'caption' });
     this.drawing = h('div', { class: 'drawing' });
     this.suggestions = new Map();
-    return h('section', {}, h('div', { class: 'toolbar' }, this.picker, this.choices, this.directions), this.caption, this.drawing);
+    const toolbar = h('div', { class: 'toolbar' }, this.picker, this.choices, this.directions);
+    return h('section', {}, toolbar, this.caption, this.drawing);
   },
   navigate(change) {
     const next = { ...this.params, ...change };
     location.hash = `#structure?document=${encodeURIComponent(next.document)}&direction=${next.direction}`;
   },
   async suggest() {
-    const page = await get('/api/documents', { q: this.picker.value, limit: 20 });
-    this.suggestions = new Map(page.Items.map((d) => [d.Path, d]));
-    this.choices.replaceChildren(...page.Items.map((d) => h('option', { value: d.Path, label: d.Name })));
+    const documents = await suggestDocuments(this.picker.value, this.choices);
+    this.suggestions = new Map(documents.map((d) => [d.Path, d]));
   },
   choose() {
     const chosen = this.suggestions.get(this.picker.value);
     if (chosen) this.navigate({ document: chosen.DocumentId });
   },
   show(params) {
-    this.params = { document: params.get('document') || '', direction: params.get('direction') === 'parents' ? 'parents' : 'children' };
+    this.params = {
+      document: params.get('document') || '',
+      direction: params.get('direction') === 'parents' ? 'parents' : 'children',
+    };
     for (const button of this.directions.children) {
       button.classList.toggle('on', button.dataset.direction === this.params.direction);
     }
@@ -346,7 +366,8 @@ const structureView = {
     const parents = this.params.direction === 'parents';
     this.picker.value = root.Path;
     this.caption.textContent = parents
-      ? `Where ${root.Name} is used: each document points to the assemblies that contain it and, dashed, to its drawings.`
+      ? `Where ${root.Name} is used: each document points to the assemblies that contain it ` +
+        'and, dashed, to its drawings.'
       : `What ${root.Name} contains: each assembly points to its children.`;
     this.drawing.replaceChildren(drawTree(root));
   },
@@ -381,30 +402,36 @@ function drawTree(root) {
     for (const kid of spot.kids) {
       const [x1, y1, x2, y2] = [x(spot) + Box.width, y(spot) + Box.height / 2, x(kid), y(kid) + Box.height / 2];
       const bend = (x2 - x1) / 2;
-      edges.push(s('path', { class: kid.node.Relation === 'DrawingOf' ? 'edge drawing-of' : 'edge', 'marker-end': 'url(#arrow)', d: `M${x1},${y1} C${x1 + bend},${y1} ${x2 - bend},${y2} ${x2 - 2},${y2}` }));
+      edges.push(s('path', {
+        class: kid.node.Relation === 'DrawingOf' ? 'edge drawing-of' : 'edge',
+        'marker-end': 'url(#arrow)',
+        d: `M${x1},${y1} C${x1 + bend},${y1} ${x2 - bend},${y2} ${x2 - 2},${y2}`,
+      }));
     }
     nodes.push(drawNode(spot.node, x(spot), y(spot), spot.depth === 0));
   }
   const width = 2 * Box.margin + deepest * Box.across + Box.width;
   const height = 2 * Box.margin + Math.max(rows, 1) * Box.down - (Box.down - Box.height);
-  return s('svg', { class: 'tree', width, height, viewBox: `0 0 ${width} ${height}`, role: 'img', 'aria-label': `Structure of ${root.Name}` },
-    s('defs', {}, s('marker', { id: 'arrow', viewBox: '0 0 8 8', refX: 7, refY: 4, markerWidth: 7, markerHeight: 7, orient: 'auto' },
-      s('path', { d: 'M0,0 L8,4 L0,8 z', class: 'arrow' }))),
+  const arrow = s('marker', { id: 'arrow', viewBox: '0 0 8 8', refX: 7, refY: 4, markerWidth: 7, markerHeight: 7, orient: 'auto' },
+    s('path', { d: 'M0,0 L8,4 L0,8 z', class: 'arrow' }));
+  const frame = { class: 'tree', width, height, viewBox: `0 0 ${width} ${height}`, role: 'img', 'aria-label': `Structure of ${root.Name}` };
+  return s('svg', frame, s('defs', {}, arrow),
     s('g', {}, ...edges), s('g', {}, ...nodes));
 }
 
 function drawNode(node, x, y, isRoot) {
   const mark = node.Cycle ? 'cycle' : node.Repeated ? 'repeated' : '';
   const kind = ['node', isRoot ? 'root' : '', mark].filter(Boolean).join(' ');
-  const title = mark === 'cycle' ? `${node.Path} (its own ancestor: drawn once)` : mark === 'repeated' ? `${node.Path} (again: drawn once above)` : node.Path;
+  const title = { cycle: `${node.Path} (its own ancestor: drawn once)`, repeated: `${node.Path} (again: drawn once above)` }[mark];
   return s('a', { href: documentHref(node), class: kind, 'data-id': node.DocumentId },
-    s('title', { text: title }),
+    s('title', { text: title || node.Path }),
     s('rect', { x, y, width: Box.width, height: Box.height, rx: 5 }),
     s('text', { x: x + 10, y: y + 18, class: 'name', text: clip(node.Name, 28) }),
     s('text', { x: x + 10, y: y + 35, class: 'file', text: clip(fileName(node.Path), 34) }),
-    mark ? s('text', { x: x + Box.width - 8, y: y + 18, class: 'mark', 'text-anchor': 'end', text: mark === 'cycle' ? '↻ cycle' : 'repeated' }) : null);
+    mark ? s('text', { x: x + Box.width - 8, y: y + 18, class: 'mark', 'text-anchor': 'end', text: MarkText[mark] }) : null);
 }
 
+const MarkText = { cycle: '↻ cycle', repeated: 'repeated' };
 const clip = (text, most) => (text.length > most ? `${text.slice(0, most - 1)}…` : text);
 
 // ---- Journal -----------------------------------------------------------------------------------
@@ -416,8 +443,9 @@ const journalView = {
   title: 'Journal',
   followsChanges: false, // its entries come by the event stream
   build() {
-    this.commandFilter = h('input', { type: 'search', list: 'known-commands', placeholder: 'Command', 'aria-label': 'Command' });
-    this.userFilter = h('input', { type: 'search', list: 'known-users', placeholder: 'User', 'aria-label': 'User' });
+    const filter = (list, text) => h('input', { type: 'search', list, placeholder: text, 'aria-label': text });
+    this.commandFilter = filter('known-commands', 'Command');
+    this.userFilter = filter('known-users', 'User');
     this.errorsOnly = h('input', { type: 'checkbox', id: 'errors-only' });
     const again = debounce(() => this.refresh(), 200);
     for (const input of [this.commandFilter, this.userFilter, this.errorsOnly]) input.addEventListener('input', again);
@@ -432,11 +460,19 @@ const journalView = {
       this.list, h('div', { class: 'toolbar' }, this.more));
   },
   filters() {
-    return { command: this.commandFilter.value.trim(), user: this.userFilter.value.trim(), errors: this.errorsOnly.checked };
+    return {
+      command: this.commandFilter.value.trim(),
+      user: this.userFilter.value.trim(),
+      errors: this.errorsOnly.checked,
+    };
   },
   matches(entry) {
     const f = this.filters();
-    return (!f.command || entry.Command === f.command) && (!f.user || entry.User === f.user) && (!f.errors || (entry.Errors || []).length > 0);
+    return (
+      (!f.command || entry.Command === f.command) &&
+      (!f.user || entry.User === f.user) &&
+      (!f.errors || (entry.Errors || []).length > 0)
+    );
   },
   show() {
     newEntries.reset();
@@ -510,17 +546,24 @@ const controlsView = {
   title: 'Controls',
   build() {
     this.user = h('input', { list: 'known-users', value: 'Ben Okafor', 'aria-label': 'User', placeholder: 'User' });
-    this.path = h('input', { type: 'search', list: 'control-paths', 'aria-label': 'Path', placeholder: 'Document path', class: 'wide', oninput: debounce(() => this.suggest(), 150) });
+    this.path = h('input', {
+      type: 'search',
+      list: 'control-paths',
+      'aria-label': 'Path',
+      placeholder: 'Document path',
+      class: 'wide',
+      oninput: debounce(() => this.suggest(), 150),
+    });
     this.paths = h('datalist', { id: 'control-paths' });
-    const as = (Action) => () => this.send({ Action, User: this.user.value.trim(), Path: this.path.value.trim() });
-    const action = (Action, text) => h('button', { type: 'button', 'data-action': Action, text, onclick: () => this.send({ Action }) });
+    const button = (Action, text, request = () => ({ Action })) =>
+      h('button', { type: 'button', 'data-action': Action, text, onclick: () => this.send(request()) });
+    const asOther = ([Action, text]) =>
+      button(Action, text, () => ({ Action, User: this.user.value.trim(), Path: this.path.value.trim() }));
+    const field = (text, input) => h('label', { class: 'field' }, h('span', { text }), input);
 
     this.faultCommand = h('input', { list: 'known-commands', placeholder: 'LOCKDESIGNREVISIONS' });
-    const number = () => h('input', { type: 'number', min: 0, step: 1, class: 'number' });
-    this.latency = number();
-    this.failCode = number();
-    this.times = number();
-    const field = (text, input) => h('label', { class: 'field' }, h('span', { text }), input);
+    const number = ([key, text]) => ({ key, text, input: h('input', { type: 'number', min: 0, step: 1, class: 'number' }) });
+    this.faultNumbers = [['LatencyMs', 'Latency ms'], ['FailCode', 'Fail code'], ['Times', 'Times']].map(number);
     this.faults = h('div', {});
     this.connection = h('p', { class: 'caption' });
     this.reset = h('button', { type: 'button', class: 'danger', text: 'Reset…', onclick: () => this.confirmReset() });
@@ -529,32 +572,31 @@ const controlsView = {
     return h('section', { class: 'cards' },
       card('Act as another user', 'Lock, unlock or save a new version in the cloud, as someone else would.',
         h('div', { class: 'row' }, this.user, this.path, this.paths),
-        h('div', { class: 'row' },
-          h('button', { type: 'button', 'data-action': 'lock', text: 'Lock', onclick: as('lock') }),
-          h('button', { type: 'button', 'data-action': 'unlock', text: 'Unlock', onclick: as('unlock') }),
-          h('button', { type: 'button', 'data-action': 'save', text: 'Save new version', onclick: as('save') }))),
-      card('Connection', 'This desktop\'s user: offline, cloud commands answer code 6; signed out, every command answers code 3.',
+        h('div', { class: 'row' }, ...[['lock', 'Lock'], ['unlock', 'Unlock'], ['save', 'Save new version']].map(asOther))),
+      card('Connection', "This desktop's user: offline, cloud commands answer code 6; signed out, every command answers code 3.",
         this.connection,
-        h('div', { class: 'row' }, action('offline', 'Go offline'), action('online', 'Go online'), action('signout', 'Sign out'), action('signin', 'Sign in'))),
+        h('div', { class: 'row' },
+          ...[['offline', 'Go offline'], ['online', 'Go online'], ['signout', 'Sign out'], ['signin', 'Sign in']]
+            .map(([action, text]) => button(action, text)))),
       card('Faults', 'A fault delays a command, answers it with an error code, or both; Times 0 lasts until cleared.',
-        h('div', { class: 'row' }, field('Command', this.faultCommand), field('Latency ms', this.latency), field('Fail code', this.failCode), field('Times', this.times),
-          h('button', { type: 'button', 'data-action': 'fault', text: 'Add fault', onclick: () => this.send(this.faultRequest()) })),
+        h('div', { class: 'row' },
+          field('Command', this.faultCommand),
+          ...this.faultNumbers.map((f) => field(f.text, f.input)),
+          button('fault', 'Add fault', () => this.faultRequest())),
         this.faults,
-        h('div', { class: 'row' }, action('clear-faults', 'Clear faults'))),
+        h('div', { class: 'row' }, button('clear-faults', 'Clear faults'))),
       card('Reset', 'Empties the database and imports the workspace again.', h('div', { class: 'row' }, this.reset)),
       h('div', { class: 'card answer-card' }, h('h2', { text: 'Answer' }), this.answer));
   },
   faultRequest() {
     const request = { Action: 'fault', Command: this.faultCommand.value.trim() };
-    for (const [key, input] of [['LatencyMs', this.latency], ['FailCode', this.failCode], ['Times', this.times]]) {
+    for (const { key, input } of this.faultNumbers) {
       if (input.value !== '') request[key] = Number(input.value);
     }
     return request;
   },
   async suggest() {
-    const page = await get('/api/documents', { q: this.path.value, limit: 20 });
-    this.paths.replaceChildren(...page.Items.map((d) => h('option', { value: d.Path, label: d.Name })));
-    this.learnUsers(page.Items);
+    this.learnUsers(await suggestDocuments(this.path.value, this.paths));
   },
   learnUsers(documents) {
     for (const d of documents) Object.keys(d.Permissions || {}).forEach((user) => known.users.learn(user));
@@ -584,7 +626,8 @@ const controlsView = {
   },
   async refresh() {
     const status = app.status;
-    this.connection.textContent = `${status.User}: ${status.Online ? 'online' : 'offline'}, ${status.SignedIn ? 'signed in' : 'signed out'}.`;
+    const online = status.Online ? 'online' : 'offline';
+    this.connection.textContent = `${status.User}: ${online}, ${status.SignedIn ? 'signed in' : 'signed out'}.`;
     const faults = status.Faults || [];
     this.faults.replaceChildren(faults.length ? table([
       { title: 'Command', cell: (f) => f.Command, className: 'mono' },
@@ -611,15 +654,16 @@ async function acting(request) {
 
 function showAnswer({ request, status, answer }) {
   const ok = status === 200 && answer && answer.Ok === true;
+  const verdict = ok ? `Done (HTTP ${status})` : `Refused (HTTP ${status})${answer && answer.Error ? `: ${answer.Error}` : ''}`;
   const panel = controlsView.answer;
   if (!panel) return;
   panel.replaceChildren(
-    h('p', { class: ok ? 'verdict ok' : 'verdict failed', text: ok ? `Done (HTTP ${status})` : `Refused (HTTP ${status})${answer && answer.Error ? `: ${answer.Error}` : ''}` }),
+    h('p', { class: ok ? 'verdict ok' : 'verdict failed', text: verdict }),
     h('h3', { text: 'Request' }), h('pre', { text: pretty(request) }),
     h('h3', { text: 'Answer' }), h('pre', { class: 'answer', text: pretty(answer) }));
   if (app.view !== controlsView) {
     problem.hidden = ok;
-    problem.textContent = ok ? '' : `${request.Action}: refused (HTTP ${status})${answer && answer.Error ? `: ${answer.Error}` : ''}`;
+    problem.textContent = ok ? '' : `${request.Action}: ${verdict}`;
   }
 }
 
@@ -675,7 +719,13 @@ function listen(after) {
 
 // ---- the page ----------------------------------------------------------------------------------
 
-const views = { documents: documentsView, locks: locksView, structure: structureView, journal: journalView, controls: controlsView };
+const views = {
+  documents: documentsView,
+  locks: locksView,
+  structure: structureView,
+  journal: journalView,
+  controls: controlsView,
+};
 
 const app = {
   view: null,
@@ -713,12 +763,13 @@ const app = {
   async readStatus() {
     this.status = await get('/api/status');
     const st = this.status;
-    document.getElementById('desktop').textContent = `${st.Desktop || st.User}${st.Cloud ? ` · shared cloud ${st.Cloud}` : ''}`;
+    const cloud = st.Cloud ? ` · shared cloud ${st.Cloud}` : '';
+    document.getElementById('desktop').textContent = `${st.Desktop || st.User}${cloud}`;
     const faults = (st.Faults || []).length;
     const state = [
       chip(st.Online ? 'online' : 'offline', st.Online ? 'ok' : 'error'),
       chip(st.SignedIn ? 'signed in' : 'signed out', st.SignedIn ? 'ok' : 'error'),
-      h('span', { text: [count(st.Documents, 'document'), count(st.Locks, 'lock'), count(st.Sessions, 'session')].join(' · ') }),
+      h('span', { text: `${count(st.Documents, 'document')} · ${count(st.Locks, 'lock')} · ${count(st.Sessions, 'session')}` }),
     ];
     if (faults) state.push(chip(count(faults, 'fault'), 'fault'));
     document.getElementById('state').replaceChildren(...state);
