@@ -3,8 +3,13 @@
 //                memory) and back, against a bare Boost.Asio echo of the same request and answer
 //                bytes over the same transport (loopback TCP, the same framing);
 //   throughput   10,000 check-outs of distinct documents, one command each, against a database
-//                file: commands per second, and the last 1,000 against the first 1,000.
+//                file: commands per second, and the last 1,000 against the first 1,000;
+//   cloud        1, 2, 4 and 8 desktops (emulators) on one cloud database, each with one client
+//                locking and unlocking random documents of the example workspace: commands per
+//                second, p50, p99 and the slowest command, and how p99 and the slowest grow.
 // Prints one line per figure, in the form of the other benchmarks' ratio lines.
+#include "DesktopClient.h"
+
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
 #include "os/Process.h"
@@ -19,10 +24,13 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -39,6 +47,8 @@ using namespace Corvane::CommandIO::DataManagement::MCAD;
 constexpr int RoundTrips = 20000;
 constexpr int CheckOuts = 10000;
 constexpr int Slice = 1000;
+constexpr auto CloudWarmUp = std::chrono::seconds(1);
+constexpr auto CloudLength = std::chrono::seconds(5);
 
 double Microseconds(Clock::duration d) {
     return std::chrono::duration<double, std::micro>(d).count();
@@ -52,12 +62,15 @@ void PrintRatio(const char* what, double ratio, const std::string& detail, doubl
 // An emulator process on a scratch folder, for the length of one measurement.
 class Emulator {
 public:
-    Emulator(const fs::path& folder, const fs::path& workspace, bool memory) : data_(folder) {
+    Emulator(const fs::path& folder, const fs::path& workspace, bool memory,
+             const std::vector<std::wstring>& more = {})
+        : data_(folder) {
         std::vector<std::wstring> arguments{L"serve", L"--data", data_.wstring(), L"--workspace",
                                             workspace.wstring()};
         if (memory) {
             arguments.emplace_back(L"--memory");
         }
+        arguments.insert(arguments.end(), more.begin(), more.end());
         pid_ = platform::os::LaunchDetached(platform::os::Utf8ToWide(VANTO_EMULATOR_PROGRAM),
                                             arguments)
                    .pid;
@@ -69,11 +82,13 @@ public:
         }
         platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", data_.wstring());
     }
+    Corvane::Endpoint Endpoint() const {
+        return *Corvane::ReadEndpointFile((data_ / "endpoint.json").wstring());
+    }
     ~Emulator() {
         try {
             Corvane::ConnectorLink link(std::chrono::seconds(10));
-            link.Call(*Corvane::ReadEndpointFile((data_ / "endpoint.json").wstring()), "control",
-                      R"({"Action":"stop"})");
+            link.Call(Endpoint(), "control", R"({"Action":"stop"})");
         } catch (...) {
             platform::os::KillProcess(pid_);
         }
@@ -226,16 +241,106 @@ void Throughput(const fs::path& scratch) {
                1.5);
 }
 
+// The system's load average over the last minute, as the figures' context: tail latency on a
+// shared machine depends on it.
+std::string LoadAverage() {
+    std::string oneMinute = "unknown";
+    std::ifstream("/proc/loadavg") >> oneMinute;
+    return oneMinute;
+}
+
+struct CloudFigures {
+    double commandsPerSecond = 0;
+    double p50 = 0;
+    double p99 = 0;
+    double slowest = 0; // milliseconds, as the others
+};
+
+// Each desktop's client runs from the start; only commands sent after the warm-up are timed.
+CloudFigures CloudRun(const fs::path& folder, const fs::path& workspace, int desktops) {
+    std::vector<std::unique_ptr<Emulator>> emulators;
+    for (int i = 0; i < desktops; ++i) {
+        const std::wstring user = L"Desktop User " + std::to_wstring(i + 1);
+        emulators.push_back(std::make_unique<Emulator>(
+            folder / ("desktop-" + std::to_string(i)), workspace, false,
+            std::vector<std::wstring>{L"--cloud", (folder / "cloud.db").wstring(), L"--user",
+                                      user}));
+    }
+    const std::vector<std::string> documents = cloudload::Documents(emulators[0]->Endpoint());
+    const auto timed = Clock::now() + CloudWarmUp;
+    const auto end = timed + CloudLength;
+    std::vector<std::vector<double>> times(emulators.size());
+    std::vector<std::thread> clients;
+    std::atomic<bool> failed{false};
+    for (std::size_t i = 0; i < emulators.size(); ++i) {
+        clients.emplace_back([&, i] {
+            try {
+                cloudload::DesktopClient client(emulators[i]->Endpoint(), documents,
+                                                static_cast<unsigned>(i));
+                for (auto step = client.Next(); step.sent < end; step = client.Next()) {
+                    if (step.sent >= timed) {
+                        times[i].push_back(Microseconds(step.answered - step.sent) / 1000);
+                    }
+                }
+            } catch (const std::exception&) {
+                failed = true;
+            }
+        });
+    }
+    for (std::thread& client : clients) {
+        client.join();
+    }
+    if (failed) {
+        throw std::runtime_error("a desktop's client failed");
+    }
+    std::vector<double> all;
+    for (const auto& desktop : times) {
+        all.insert(all.end(), desktop.begin(), desktop.end());
+    }
+    std::sort(all.begin(), all.end());
+    const auto at = [&all](double share) {
+        return all[std::min(all.size() - 1, static_cast<std::size_t>(share * all.size()))];
+    };
+    return {all.size() / std::chrono::duration<double>(CloudLength).count(), at(0.5), at(0.99),
+            all.back()};
+}
+
+void Cloud(const fs::path& scratch) {
+    const fs::path workspace = scratch / "workspace";
+    fs::create_directories(scratch);
+    fs::copy(VANTO_EXAMPLES_DIR "/workspace", workspace, fs::copy_options::recursive);
+    std::map<int, CloudFigures> figures;
+    for (const int desktops : {1, 2, 4, 8}) {
+        const CloudFigures& f = figures[desktops] =
+            CloudRun(scratch / ("cloud-" + std::to_string(desktops)), workspace, desktops);
+        std::printf("cloud, %d desktop(s): %.0f commands/s, p50 %.2f ms, p99 %.2f ms, slowest "
+                    "%.1f ms (load average %s)\n",
+                    desktops, f.commandsPerSecond, f.p50, f.p99, f.slowest, LoadAverage().c_str());
+    }
+    PrintRatio("cloud p99", figures[8].p99 / figures[1].p99,
+               "8 desktops " + std::to_string(figures[8].p99).substr(0, 5) + " ms / 1 desktop " +
+                   std::to_string(figures[1].p99).substr(0, 5) +
+                   " ms; tail latency depends on "
+                   "the machine's load",
+               3.0);
+    std::printf("cloud slowest: %.1f ms (8 desktops; target < 100) %s\n", figures[8].slowest,
+                figures[8].slowest < 100 ? "ok" : "OVER TARGET");
+}
+
 } // namespace
 
-int main() {
+// With the argument "cloud", only the cloud's figures.
+int main(int argc, char** argv) {
     const fs::path scratch =
         fs::temp_directory_path() /
         ("vanto-emulator-bench-" + std::to_string(Clock::now().time_since_epoch().count()));
     int status = 0;
     try {
-        RoundTrip(scratch);
-        Throughput(scratch);
+        if (argc < 2 || std::string(argv[1]) != "cloud") {
+            RoundTrip(scratch);
+            Throughput(scratch);
+        }
+        Cloud(scratch);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "emulator bench: %s\n", error.what());
         status = 1;

@@ -1,0 +1,103 @@
+// Two desktops on one cloud, each with a client locking and unlocking random documents at the
+// same time for a few seconds: no document is ever answered as taken by both users at once, and
+// every lock answered as taken is held at the end, by the store's own account.
+#include "DesktopClient.h"
+
+#include "support/EmulatorProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <thread>
+
+namespace {
+
+using cloudload::Clock;
+
+std::map<std::string, std::string> Locks(const testsupport::EmulatorProcess& desktop) {
+    std::map<std::string, std::string> locks;
+    const auto answer = boost::json::parse(desktop.Control(R"({"Action":"locks"})"));
+    for (const auto& lock : answer.at("Locks").as_array()) {
+        locks[std::string(lock.at("Path").as_string())] = lock.at("LockedBy").as_string();
+    }
+    return locks;
+}
+
+// When a desktop certainly held a document: from the answer that granted it to the request that
+// gave it back.
+struct Holding {
+    Clock::time_point from;
+    Clock::time_point to;
+};
+
+TEST(EmulatorCloud, TwoDesktopsNeverHoldOneDocumentAtOnceAndKeepWhatTheyWereGranted) {
+    testsupport::EmulatorProcess ada;
+    testsupport::EmulatorProcess::Options options{{}, L"Cleo Lind", &ada, false};
+    testsupport::EmulatorProcess cleo(options);
+    const std::pair<const testsupport::EmulatorProcess*, std::string> desktops[] = {
+        {&ada, "Ada Byrne"}, {&cleo, "Cleo Lind"}};
+    const std::vector<std::string> documents = cloudload::Documents(ada.Endpoint());
+    const std::map<std::string, std::string> imported = Locks(ada); // another user's, untouched
+    std::map<std::string, std::string> expected = imported;
+
+    const auto end = Clock::now() + std::chrono::seconds(3);
+    std::vector<cloudload::DesktopClient::Step> steps[2];
+    std::vector<bool> held[2];
+    std::string failures[2];
+    std::vector<std::thread> clients;
+    for (std::size_t i = 0; i < 2; ++i) {
+        clients.emplace_back([&, i] {
+            try {
+                cloudload::DesktopClient client(desktops[i].first->Endpoint(), documents,
+                                                static_cast<unsigned>(i));
+                while (Clock::now() < end) {
+                    steps[i].push_back(client.Next());
+                }
+                held[i] = client.Held();
+            } catch (const std::exception& error) {
+                failures[i] = error.what();
+            }
+        });
+    }
+    for (std::thread& client : clients) {
+        client.join();
+    }
+    ASSERT_EQ("", failures[0] + failures[1]);
+
+    std::vector<std::vector<Holding>> holdings(documents.size());
+    std::size_t refused = 0;
+    for (std::size_t i = 0; i < 2; ++i) {
+        std::vector<Clock::time_point> since(documents.size());
+        for (const auto& step : steps[i]) {
+            EXPECT_TRUE(step.lock || step.granted)
+                << "an unlock refused: " << documents[step.document];
+            refused += step.lock && !step.granted && imported.count(documents[step.document]) == 0;
+            if (step.lock && step.granted) {
+                since[step.document] = step.answered;
+            } else if (!step.lock) {
+                holdings[step.document].push_back({since[step.document], step.sent});
+            }
+        }
+        for (std::size_t d = 0; d < documents.size(); ++d) {
+            if (held[i][d]) {
+                holdings[d].push_back({since[d], Clock::time_point::max()});
+                expected[documents[d]] = desktops[i].second;
+            }
+        }
+    }
+    EXPECT_GT(refused, 0u) << "the desktops never met on a document";
+    for (std::size_t d = 0; d < documents.size(); ++d) {
+        std::sort(holdings[d].begin(), holdings[d].end(),
+                  [](const Holding& a, const Holding& b) { return a.from < b.from; });
+        for (std::size_t h = 1; h < holdings[d].size(); ++h) {
+            if (holdings[d][h - 1].to > holdings[d][h].from) {
+                ADD_FAILURE() << documents[d] << " granted to both desktops at once";
+                break;
+            }
+        }
+    }
+    EXPECT_EQ(expected, Locks(ada));
+}
+
+} // namespace
