@@ -13,6 +13,7 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace cloudload {
@@ -106,5 +107,42 @@ private:
     std::mt19937 random_;
     std::uniform_int_distribution<std::size_t> pick_;
 };
+
+struct ClientRun {
+    std::vector<DesktopClient::Step> steps;
+    std::vector<bool> held; // at the end
+};
+
+// One client per desktop, each on a thread of its own (seeds 0, 1, ...), until `end`; throws
+// when one of them failed.
+inline std::vector<ClientRun> RunClients(const std::vector<Corvane::Endpoint>& desktops,
+                                         const std::vector<std::string>& documents,
+                                         Clock::time_point end) {
+    std::vector<ClientRun> runs(desktops.size());
+    std::vector<std::string> failures(desktops.size());
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < desktops.size(); ++i) {
+        threads.emplace_back([&, i] {
+            try {
+                DesktopClient client(desktops[i], documents, static_cast<unsigned>(i));
+                while (Clock::now() < end) {
+                    runs[i].steps.push_back(client.Next());
+                }
+                runs[i].held = client.Held();
+            } catch (const std::exception& error) {
+                failures[i] = error.what();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (const std::string& failure : failures) {
+        if (!failure.empty()) {
+            throw std::runtime_error("a desktop's client failed: " + failure);
+        }
+    }
+    return runs;
+}
 
 } // namespace cloudload

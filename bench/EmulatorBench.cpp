@@ -24,7 +24,6 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -268,35 +267,18 @@ CloudFigures CloudRun(const fs::path& folder, const fs::path& workspace, int des
                                       user}));
     }
     const std::vector<std::string> documents = cloudload::Documents(emulators[0]->Endpoint());
+    std::vector<Corvane::Endpoint> endpoints;
+    for (const auto& emulator : emulators) {
+        endpoints.push_back(emulator->Endpoint());
+    }
     const auto timed = Clock::now() + CloudWarmUp;
-    const auto end = timed + CloudLength;
-    std::vector<std::vector<double>> times(emulators.size());
-    std::vector<std::thread> clients;
-    std::atomic<bool> failed{false};
-    for (std::size_t i = 0; i < emulators.size(); ++i) {
-        clients.emplace_back([&, i] {
-            try {
-                cloudload::DesktopClient client(emulators[i]->Endpoint(), documents,
-                                                static_cast<unsigned>(i));
-                for (auto step = client.Next(); step.sent < end; step = client.Next()) {
-                    if (step.sent >= timed) {
-                        times[i].push_back(Microseconds(step.answered - step.sent) / 1000);
-                    }
-                }
-            } catch (const std::exception&) {
-                failed = true;
-            }
-        });
-    }
-    for (std::thread& client : clients) {
-        client.join();
-    }
-    if (failed) {
-        throw std::runtime_error("a desktop's client failed");
-    }
     std::vector<double> all;
-    for (const auto& desktop : times) {
-        all.insert(all.end(), desktop.begin(), desktop.end());
+    for (const auto& run : cloudload::RunClients(endpoints, documents, timed + CloudLength)) {
+        for (const auto& step : run.steps) {
+            if (step.sent >= timed) {
+                all.push_back(Microseconds(step.answered - step.sent) / 1000);
+            }
+        }
     }
     std::sort(all.begin(), all.end());
     const auto at = [&all](double share) {

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <map>
-#include <thread>
 
 namespace {
 
@@ -35,41 +34,19 @@ TEST(EmulatorCloud, TwoDesktopsNeverHoldOneDocumentAtOnceAndKeepWhatTheyWereGran
     testsupport::EmulatorProcess ada;
     testsupport::EmulatorProcess::Options options{{}, L"Cleo Lind", &ada, false};
     testsupport::EmulatorProcess cleo(options);
-    const std::pair<const testsupport::EmulatorProcess*, std::string> desktops[] = {
-        {&ada, "Ada Byrne"}, {&cleo, "Cleo Lind"}};
+    const char* const users[] = {"Ada Byrne", "Cleo Lind"};
     const std::vector<std::string> documents = cloudload::Documents(ada.Endpoint());
     const std::map<std::string, std::string> imported = Locks(ada); // another user's, untouched
     std::map<std::string, std::string> expected = imported;
 
-    const auto end = Clock::now() + std::chrono::seconds(3);
-    std::vector<cloudload::DesktopClient::Step> steps[2];
-    std::vector<bool> held[2];
-    std::string failures[2];
-    std::vector<std::thread> clients;
-    for (std::size_t i = 0; i < 2; ++i) {
-        clients.emplace_back([&, i] {
-            try {
-                cloudload::DesktopClient client(desktops[i].first->Endpoint(), documents,
-                                                static_cast<unsigned>(i));
-                while (Clock::now() < end) {
-                    steps[i].push_back(client.Next());
-                }
-                held[i] = client.Held();
-            } catch (const std::exception& error) {
-                failures[i] = error.what();
-            }
-        });
-    }
-    for (std::thread& client : clients) {
-        client.join();
-    }
-    ASSERT_EQ("", failures[0] + failures[1]);
+    const auto runs = cloudload::RunClients({ada.Endpoint(), cleo.Endpoint()}, documents,
+                                            Clock::now() + std::chrono::seconds(3));
 
     std::vector<std::vector<Holding>> holdings(documents.size());
     std::size_t refused = 0;
     for (std::size_t i = 0; i < 2; ++i) {
         std::vector<Clock::time_point> since(documents.size());
-        for (const auto& step : steps[i]) {
+        for (const auto& step : runs[i].steps) {
             EXPECT_TRUE(step.lock || step.granted)
                 << "an unlock refused: " << documents[step.document];
             refused += step.lock && !step.granted && imported.count(documents[step.document]) == 0;
@@ -80,9 +57,9 @@ TEST(EmulatorCloud, TwoDesktopsNeverHoldOneDocumentAtOnceAndKeepWhatTheyWereGran
             }
         }
         for (std::size_t d = 0; d < documents.size(); ++d) {
-            if (held[i][d]) {
+            if (runs[i].held[d]) {
                 holdings[d].push_back({since[d], Clock::time_point::max()});
-                expected[documents[d]] = desktops[i].second;
+                expected[documents[d]] = users[i];
             }
         }
     }
