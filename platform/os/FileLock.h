@@ -28,9 +28,9 @@ private:
 };
 
 // A lock on a file taken and given back again and again, for turns at something that processes
-// share. Lock() waits as long as it takes, asleep in the system until the holder lets go: no
-// polling, no back-off, so a waiter is not overtaken by one that came later and was luckier. As
-// with FileLock, the system drops the lock when its holder ends, by any means.
+// share. Lock() waits as long as it takes, asleep in the system's queue for the lock, and wakes as
+// the holder lets go: no polling, and no back-off that would keep it asleep while others take
+// turn after turn. As with FileLock, the system drops the lock when its holder ends, by any means.
 class TurnLock {
 public:
     // Creates the file when needed; throws std::runtime_error when it cannot be opened.

@@ -63,8 +63,8 @@ TurnLock::~TurnLock() {
     ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
 }
 
-// Without LOCKFILE_FAIL_IMMEDIATELY, on a handle opened for waiting I/O, the call returns once
-// the range is ours.
+// Without LOCKFILE_FAIL_IMMEDIATELY, on a handle opened without FILE_FLAG_OVERLAPPED, the call
+// returns once the range is ours.
 void TurnLock::Lock() {
     OVERLAPPED range{};
     if (!::LockFileEx(reinterpret_cast<HANDLE>(handle_), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0,
