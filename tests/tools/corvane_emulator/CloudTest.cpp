@@ -23,13 +23,6 @@ std::map<std::string, std::string> Locks(const testsupport::EmulatorProcess& des
     return locks;
 }
 
-// When a desktop certainly held a document: from the answer that granted it to the request that
-// gave it back.
-struct Holding {
-    Clock::time_point from;
-    Clock::time_point to;
-};
-
 TEST(EmulatorCloud, TwoDesktopsNeverHoldOneDocumentAtOnceAndKeepWhatTheyWereGranted) {
     testsupport::EmulatorProcess ada;
     testsupport::EmulatorProcess::Options options{{}, L"Cleo Lind", &ada, false};
@@ -42,7 +35,10 @@ TEST(EmulatorCloud, TwoDesktopsNeverHoldOneDocumentAtOnceAndKeepWhatTheyWereGran
     const auto runs = cloudload::RunClients({ada.Endpoint(), cleo.Endpoint()}, documents,
                                             Clock::now() + std::chrono::seconds(3));
 
-    std::vector<std::vector<Holding>> holdings(documents.size());
+    // When a desktop certainly held each document: from the answer that granted it to the
+    // request that gave it back.
+    std::vector<std::vector<std::pair<Clock::time_point, Clock::time_point>>> holdings(
+        documents.size());
     std::size_t refused = 0;
     for (std::size_t i = 0; i < 2; ++i) {
         std::vector<Clock::time_point> since(documents.size());
@@ -65,10 +61,9 @@ TEST(EmulatorCloud, TwoDesktopsNeverHoldOneDocumentAtOnceAndKeepWhatTheyWereGran
     }
     EXPECT_GT(refused, 0u) << "the desktops never met on a document";
     for (std::size_t d = 0; d < documents.size(); ++d) {
-        std::sort(holdings[d].begin(), holdings[d].end(),
-                  [](const Holding& a, const Holding& b) { return a.from < b.from; });
+        std::sort(holdings[d].begin(), holdings[d].end());
         for (std::size_t h = 1; h < holdings[d].size(); ++h) {
-            if (holdings[d][h - 1].to > holdings[d][h].from) {
+            if (holdings[d][h - 1].second > holdings[d][h].first) {
                 ADD_FAILURE() << documents[d] << " granted to both desktops at once";
                 break;
             }
