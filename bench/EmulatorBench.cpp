@@ -6,10 +6,16 @@
 //                file: commands per second, and the last 1,000 against the first 1,000;
 //   dashboard    from a command's answer to its journal event at a page subscribed to the
 //                dashboard's events (median and 95th percentile of 1,000), and the round trip
-//                with such a page over the same without (blocks of each in turn).
-// Prints one line per figure, in the form of the other benchmarks' ratio lines. Built for Windows
-// and run under Wine, both ends are Windows programs; its first argument names that run in every
-// line (scripts/bench passes "Windows programs under Wine").
+//                with such a page over the same without (blocks of each in turn);
+//   cloud        1, 2, 4 and 8 desktops (emulators) on one cloud database, each with one client
+//                locking and unlocking random documents of the example workspace: commands per
+//                second, p50, p99 and the slowest command, and how p99 and the slowest grow.
+// Prints one line per figure, in the form of the other benchmarks' ratio lines. Arguments name the
+// parts to run (round-trip, throughput, dashboard, cloud; none: all) and `--label TEXT` a name put
+// before every line: built for Windows and run under Wine, both ends are Windows programs, and
+// scripts/bench labels that run "Windows programs under Wine".
+#include "DesktopClient.h"
+
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
 #include "os/Process.h"
@@ -29,6 +35,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -45,6 +54,9 @@ using namespace Corvane::CommandIO::DataManagement::MCAD;
 constexpr int RoundTrips = 20000;
 constexpr int CheckOuts = 10000;
 constexpr int Slice = 1000;
+constexpr auto CloudWarmUp = std::chrono::milliseconds(500);
+constexpr auto CloudLength = std::chrono::seconds(3);
+constexpr int CloudRuns = 3;
 
 double Microseconds(Clock::duration d) {
     return std::chrono::duration<double, std::micro>(d).count();
@@ -61,12 +73,15 @@ void PrintRatio(const char* what, double ratio, const std::string& detail, doubl
 // An emulator process on a scratch folder, for the length of one measurement.
 class Emulator {
 public:
-    Emulator(const fs::path& folder, const fs::path& workspace, bool memory) : data_(folder) {
+    Emulator(const fs::path& folder, const fs::path& workspace, bool memory,
+             const std::vector<std::wstring>& more = {})
+        : data_(folder) {
         std::vector<std::wstring> arguments{L"serve", L"--data", data_.wstring(), L"--workspace",
                                             workspace.wstring()};
         if (memory) {
             arguments.emplace_back(L"--memory");
         }
+        arguments.insert(arguments.end(), more.begin(), more.end());
         pid_ = platform::os::LaunchDetached(platform::os::PathFromUnix(VANTO_EMULATOR_PROGRAM),
                                             arguments)
                    .pid;
@@ -78,11 +93,13 @@ public:
         }
         platform::os::SetEnvironmentValue(L"VANTO_CORVANE_DATA", data_.wstring());
     }
+    Corvane::Endpoint Endpoint() const {
+        return *Corvane::ReadEndpointFile((data_ / "endpoint.json").wstring());
+    }
     ~Emulator() {
         try {
             Corvane::ConnectorLink link(std::chrono::seconds(10));
-            link.Call(*Corvane::ReadEndpointFile((data_ / "endpoint.json").wstring()), "control",
-                      R"({"Action":"stop"})");
+            link.Call(Endpoint(), "control", R"({"Action":"stop"})");
         } catch (...) {
             platform::os::KillProcess(pid_);
         }
@@ -359,20 +376,128 @@ void Dashboard(const fs::path& scratch) {
                1.1);
 }
 
+// The system's load average over the last minute, as the figures' context: tail latency on a
+// shared machine depends on it.
+std::string LoadAverage() {
+    std::string oneMinute = "unknown";
+    std::ifstream("/proc/loadavg") >> oneMinute;
+    return oneMinute;
+}
+
+struct CloudFigures {
+    double commandsPerSecond = 0;
+    double p50 = 0;
+    double p99 = 0;
+    double slowest = 0; // milliseconds, as the others
+};
+
+// Each desktop's client runs from the start; only commands sent after the warm-up are timed.
+CloudFigures CloudRun(const fs::path& folder, const fs::path& workspace, int desktops) {
+    std::vector<std::unique_ptr<Emulator>> emulators;
+    for (int i = 0; i < desktops; ++i) {
+        const std::wstring user = L"Desktop User " + std::to_wstring(i + 1);
+        emulators.push_back(std::make_unique<Emulator>(
+            folder / ("desktop-" + std::to_string(i)), workspace, false,
+            std::vector<std::wstring>{L"--cloud", (folder / "cloud.db").wstring(), L"--user",
+                                      user}));
+    }
+    const std::vector<std::string> documents = cloudload::Documents(emulators[0]->Endpoint());
+    std::vector<Corvane::Endpoint> endpoints;
+    for (const auto& emulator : emulators) {
+        endpoints.push_back(emulator->Endpoint());
+    }
+    const auto timed = Clock::now() + CloudWarmUp;
+    std::vector<double> all;
+    for (const auto& run : cloudload::RunClients(endpoints, documents, timed + CloudLength)) {
+        for (const auto& step : run.steps) {
+            if (step.sent >= timed) {
+                all.push_back(Microseconds(step.answered - step.sent) / 1000);
+            }
+        }
+    }
+    std::sort(all.begin(), all.end());
+    const auto at = [&all](double share) {
+        return all[std::min(all.size() - 1, static_cast<std::size_t>(share * all.size()))];
+    };
+    return {all.size() / std::chrono::duration<double>(CloudLength).count(), at(0.5), at(0.99),
+            all.back()};
+}
+
+// Each figure is the median of CloudRuns runs: one run's slowest command says more about what
+// else the machine did at that moment than about the cloud.
+CloudFigures CloudMedian(const fs::path& folder, const fs::path& workspace, int desktops,
+                         std::string& slowestOfEach) {
+    std::vector<CloudFigures> runs;
+    for (int run = 0; run < CloudRuns; ++run) {
+        runs.push_back(CloudRun(folder / std::to_string(run), workspace, desktops));
+        slowestOfEach += (run == 0 ? "" : ", ") + std::to_string(runs.back().slowest).substr(0, 5);
+    }
+    const auto median = [&runs](double CloudFigures::*figure) {
+        std::vector<double> values;
+        for (const CloudFigures& run : runs) {
+            values.push_back(run.*figure);
+        }
+        std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
+        return values[values.size() / 2];
+    };
+    return {median(&CloudFigures::commandsPerSecond), median(&CloudFigures::p50),
+            median(&CloudFigures::p99), median(&CloudFigures::slowest)};
+}
+
+void Cloud(const fs::path& scratch) {
+    const fs::path workspace = scratch / "workspace";
+    fs::create_directories(scratch);
+    fs::copy(VANTO_EXAMPLES_DIR "/workspace", workspace, fs::copy_options::recursive);
+    std::map<int, CloudFigures> figures;
+    for (const int desktops : {1, 2, 4, 8}) {
+        std::string slowestOfEach;
+        const CloudFigures& f = figures[desktops] = CloudMedian(
+            scratch / ("cloud-" + std::to_string(desktops)), workspace, desktops, slowestOfEach);
+        std::printf("cloud, %d desktop(s): %.0f commands/s, p50 %.2f ms, p99 %.2f ms, slowest "
+                    "%.1f ms (medians of %d runs of %lld s; each run's slowest: %s ms; load "
+                    "average %s)\n",
+                    desktops, f.commandsPerSecond, f.p50, f.p99, f.slowest, CloudRuns,
+                    static_cast<long long>(CloudLength.count()), slowestOfEach.c_str(),
+                    LoadAverage().c_str());
+    }
+    PrintRatio("cloud p99", figures[8].p99 / figures[1].p99,
+               "8 desktops " + std::to_string(figures[8].p99).substr(0, 5) + " ms / 1 desktop " +
+                   std::to_string(figures[1].p99).substr(0, 5) +
+                   " ms; tail latency rises with the machine's load",
+               3.0);
+    std::printf("cloud slowest: %.1f ms (8 desktops, median of %d runs; target < 100) %s\n",
+                figures[8].slowest, CloudRuns, figures[8].slowest < 100 ? "ok" : "OVER TARGET");
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc > 1) {
-        prefix = std::string("[") + argv[1] + "] ";
+    std::set<std::string> parts;
+    for (int i = 1; i < argc; ++i) {
+        if (std::string(argv[i]) == "--label" && i + 1 < argc) {
+            prefix = std::string("[") + argv[++i] + "] ";
+        } else {
+            parts.insert(argv[i]);
+        }
     }
+    const auto run = [&parts](const char* part) { return parts.empty() || parts.count(part) != 0; };
     const fs::path scratch =
         fs::temp_directory_path() /
         ("vanto-emulator-bench-" + std::to_string(Clock::now().time_since_epoch().count()));
     int status = 0;
     try {
-        RoundTrip(scratch);
-        Throughput(scratch);
-        Dashboard(scratch);
+        if (run("round-trip")) {
+            RoundTrip(scratch);
+        }
+        if (run("throughput")) {
+            Throughput(scratch);
+        }
+        if (run("dashboard")) {
+            Dashboard(scratch);
+        }
+        if (run("cloud")) {
+            Cloud(scratch);
+        }
     } catch (const std::exception& error) {
         std::fprintf(stderr, "emulator bench: %s\n", error.what());
         status = 1;

@@ -120,6 +120,10 @@ public:
 
     // Everything done between this and Commit() is kept whole or not at all.
     Transaction Begin() { return Transaction(db_); }
+    // Told of every long wait for a turn to write (Database::LongWait), with its length.
+    void ReportLongWaits(std::function<void(std::chrono::milliseconds)> report) {
+        db_.ReportLongWaits(std::move(report));
+    }
 
     // Fills an empty database from the workspace; does nothing when documents exist already.
     void ImportIfEmpty(const Workspace& workspace, const std::string& defaultUser);

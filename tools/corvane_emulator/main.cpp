@@ -82,6 +82,10 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
     Store store(options.memory          ? ":memory:"
                 : options.cloud.empty() ? options.data + "/corvane.db"
                                         : fs::absolute(fs::u8path(options.cloud)).u8string());
+    store.ReportLongWaits([&log](std::chrono::milliseconds waited) {
+        log.Write("waited " + std::to_string(waited.count()) + " ms for a turn to write to " +
+                  "the database");
+    });
     RememberWorkspace(store, workspace);
     HandlerOptions handlerOptions;
     if (!options.user.empty()) {
