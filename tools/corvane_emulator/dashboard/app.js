@@ -25,10 +25,12 @@ const s = (tag, props, ...children) => make(SVG, tag, props, children);
 
 function debounce(action, ms) {
   let timer = 0;
-  return (...args) => {
+  const later = (...args) => {
     clearTimeout(timer);
     timer = setTimeout(() => action(...args), ms);
   };
+  later.cancel = () => clearTimeout(timer);
+  return later;
 }
 
 // "2026-11-24T01:02:03.456Z" as "2026-11-24 01:02:03"; the emulator keeps UTC throughout.
@@ -195,11 +197,12 @@ const documentsView = {
   title: 'Documents',
   query: { q: '', offset: 0, focus: '' },
   build() {
+    this.searchLater = debounce(() => this.go({ q: this.search.value, offset: 0, focus: '' }), 200);
     this.search = h('input', {
       type: 'search',
       placeholder: 'Search by name or path',
       'aria-label': 'Search documents',
-      oninput: debounce(() => this.go({ q: this.search.value, offset: 0, focus: '' }), 200),
+      oninput: this.searchLater,
     });
     this.pager = h('span', { class: 'pager' });
     this.body = h('div', { class: 'scroll' });
@@ -207,6 +210,8 @@ const documentsView = {
     return h('section', {}, h('div', { class: 'toolbar' }, this.search, this.pager), this.body);
   },
   show(params) {
+    // A search still being typed gives way to the document this view was opened on.
+    this.searchLater.cancel();
     this.query = {
       q: params.get('q') || '',
       offset: Number(params.get('offset')) || 0,
