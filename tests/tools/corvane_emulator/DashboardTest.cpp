@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <sstream>
 #include <thread>
 
@@ -94,8 +95,10 @@ TEST(DashboardServe, OnlyThePagesOwnHostTokenAndOriginGetIn) {
     const Page page = PageOf(emulator);
     const std::string cookie = "corvane_dashboard=" + page.token;
     const std::string origin = "http://" + page.Host();
-    const std::string lockBearing = R"({"Action":"lock","User":"Ben Okafor","Path":")" +
-                                    emulator.WorkspaceFolder() + R"(/Gearbox/Shaft/bearing.par"})";
+    const std::string lockBearing =
+        R"({"Action":"lock","User":"Ben Okafor","Path":)" +
+        json::serialize(json::value(emulator.WorkspaceFolder() + "/Gearbox/Shaft/bearing.par")) +
+        "}";
     const struct {
         http::verb verb;
         std::string target;
@@ -200,15 +203,16 @@ TEST(DashboardJournal, KeepsTheNewestNumbersOnAndHides) {
                                 R"({"X":"s3cret"})", R"({"Errors":[{"ErrorCode":13,"Ids":[]}]})"});
             }
         }
-        Journal journal(file.string(), row.size, "desk");
+        auto journal = std::make_unique<Journal>(file.string(), row.size, "desk");
         std::vector<std::int64_t> kept;
-        for (const auto& entry : journal.After(0, 100)) {
+        for (const auto& entry : journal->After(0, 100)) {
             kept.push_back(entry.seq);
             EXPECT_EQ(std::string::npos, entry.json.find("s3cret")) << entry.json;
             EXPECT_NE(std::string::npos,
                       entry.json.find(R"("Errors":[{"Code":13,"Name":"ObjectLocked"}])"));
         }
         EXPECT_EQ(row.kept, kept) << row.size;
+        journal.reset(); // Windows removes no open file
         fs::remove(file);
     }
 }
@@ -223,9 +227,11 @@ TEST(DashboardJournal, RecordsEveryOperationAndResumesAcrossARestart) {
                                     .as_string()
                                     .c_str();
     const std::string execute = R"({"SessionId":")" + session + R"(","Command":)";
-    link.Call(emulator.Endpoint(), "execute",
-              execute + R"("LOCKDESIGNREVISIONS","DesignIdentifiers":[{"Value":")" +
-                  emulator.WorkspaceFolder() + R"(/Gearbox/housing.psm"}]})");
+    link.Call(
+        emulator.Endpoint(), "execute",
+        execute + R"("LOCKDESIGNREVISIONS","DesignIdentifiers":[{"Value":)" +
+            json::serialize(json::value(emulator.WorkspaceFolder() + "/Gearbox/housing.psm")) +
+            "}]}");
     link.Call(emulator.Endpoint(), "execute", execute + R"("FLY"})");
     link.Call(emulator.Endpoint(), "deregister", R"({"SessionId":")" + session + "\"}");
     emulator.Control(R"({"Action":"signout"})");
