@@ -49,11 +49,11 @@ public:
     // The requests are written here, before any clock starts: the client's work is not the
     // cloud's.
     DesktopClient(const Corvane::Endpoint& endpoint, const std::vector<std::string>& documents,
-                  unsigned seed)
+                  unsigned stream)
         : endpoint_(endpoint), link_(std::chrono::seconds(30)), held_(documents.size()),
-          random_(seed), pick_(0, documents.size() - 1) {
+          random_(stream), pick_(0, documents.size() - 1) {
         Core::Registration::RegisterClientInput input;
-        input.ProcessId = seed + 1;
+        input.ProcessId = stream + 1;
         const Core::Registration::RegisterClientOutput output(
             link_.Call(endpoint_, "register", input.ToJson().str()));
         if (output.SessionId.empty()) {
