@@ -179,6 +179,9 @@ void ConnectorLink::Connect(const Endpoint& endpoint, Clock::time_point deadline
                    "port " + std::to_string(endpoint.port) + ": " + error.message());
     }
     s.socket.set_option(asio::ip::tcp::no_delay(true), error);
+    // Non-blocking for good: the operations are asynchronous anyway, and Alive() then asks with
+    // one read instead of switching the mode on and off around it.
+    s.socket.non_blocking(true, error);
     std::string answer;
     const std::string greeting = std::string(HandshakeGreeting) + endpoint.secret;
     if (!s.Exchange(greeting, &answer, deadline, error)) {
@@ -229,13 +232,10 @@ bool ConnectorLink::Alive() noexcept {
     }
     // A connection whose other end has gone (the emulator restarted) reads as end of file at
     // once; it is replaced before anything is sent on it.
-    error_code mode;
-    s.socket.non_blocking(true, mode);
     char probe = 0;
     error_code error;
     s.socket.read_some(asio::buffer(&probe, 1), error);
-    s.socket.non_blocking(false, mode);
-    if (mode || error != asio::error::would_block) {
+    if (error != asio::error::would_block) {
         Close();
         return false;
     }
