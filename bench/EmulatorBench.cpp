@@ -1,7 +1,8 @@
 // The connector emulator reached through the component's default backend:
 //   round trip   "GETCONNECTIONSTATUS" through the client library to the emulator (database in
 //                memory) and back, against a bare Boost.Asio echo of the same request and answer
-//                bytes over the same transport (loopback TCP, the same framing);
+//                bytes over the same transport (loopback TCP, the same framing), in blocks
+//                of each taken in turn;
 //   throughput   10,000 check-outs of distinct documents, one command each, against a database
 //                file: commands per second, and the last 1,000 against the first 1,000;
 //   dashboard    from a command's answer to its journal event at a page subscribed to the
