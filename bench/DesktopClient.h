@@ -44,6 +44,9 @@ public:
         bool granted; // a lock answered as taken; an unlock answered without error
         Clock::time_point sent;
         Clock::time_point answered;
+        // When its answer's wait counts from: when it was sent, or, for a paced client that fell
+        // behind its schedule, when it was due (the wait for the answers before it counts too).
+        Clock::time_point due;
     };
 
     // The requests are written here, before any clock starts: the client's work is not the
@@ -70,7 +73,7 @@ public:
 
     Step Next() {
         const std::size_t document = pick_(random_);
-        Step step{document, !held_[document], false, Clock::now(), {}};
+        Step step{document, !held_[document], false, Clock::now(), {}, {}};
         if (step.lock) {
             const CorvaneLockDesignRevisionsOutput out(Call(lock_[document]));
             step.granted = out.Errors.empty() && out.Status.size() == 1;
@@ -113,11 +116,12 @@ struct ClientRun {
     std::vector<bool> held; // at the end
 };
 
-// One client per desktop, each on a thread of its own (seeds 0, 1, ...), until `end`; throws
-// when one of them failed.
+// One client per desktop, each on a thread of its own (random streams 0, 1, ...), until `end`;
+// throws when one of them failed. With `perSecond`, each client sends at that mean rate, at
+// random moments as independent users would (exponential gaps); without, as fast as it can.
 inline std::vector<ClientRun> RunClients(const std::vector<Corvane::Endpoint>& desktops,
                                          const std::vector<std::string>& documents,
-                                         Clock::time_point end) {
+                                         Clock::time_point end, double perSecond = 0) {
     std::vector<ClientRun> runs(desktops.size());
     std::vector<std::string> failures(desktops.size());
     std::vector<std::thread> threads;
@@ -125,8 +129,21 @@ inline std::vector<ClientRun> RunClients(const std::vector<Corvane::Endpoint>& d
         threads.emplace_back([&, i] {
             try {
                 DesktopClient client(desktops[i], documents, static_cast<unsigned>(i));
-                while (Clock::now() < end) {
-                    runs[i].steps.push_back(client.Next());
+                std::mt19937 moments(static_cast<unsigned>(desktops.size() + i));
+                std::exponential_distribution<double> gap(perSecond > 0 ? perSecond : 1);
+                for (auto due = Clock::now(); due < end;) {
+                    // A client that wakes late has only itself to blame; one still waiting for
+                    // its last answer when the next was due counts that wait against the cloud.
+                    const bool behind = Clock::now() >= due;
+                    if (!behind) {
+                        std::this_thread::sleep_until(due);
+                    }
+                    DesktopClient::Step step = client.Next();
+                    step.due = perSecond > 0 && behind ? due : step.sent;
+                    runs[i].steps.push_back(step);
+                    due = perSecond > 0 ? due + std::chrono::duration_cast<Clock::duration>(
+                                                    std::chrono::duration<double>(gap(moments)))
+                                        : step.answered;
                 }
                 runs[i].held = client.Held();
             } catch (const std::exception& error) {
