@@ -123,73 +123,95 @@ std::string Register(Corvane::ICorvaneProxy& proxy) {
     return output.SessionId.str();
 }
 
-// Answers every frame with the same answer bytes, as fast as Asio does it.
-class EchoServer {
-public:
-    explicit EchoServer(std::string answer)
-        : answer_(std::move(answer)), acceptor_(io_, {asio::ip::address_v4::loopback(), 0}),
-          thread_([this] { Serve(); }) {}
-    ~EchoServer() { thread_.join(); }
-    std::uint16_t Port() const { return acceptor_.local_endpoint().port(); }
+std::array<unsigned char, 4> FrameHeader(std::size_t size) {
+    return {static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
+            static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
+}
 
-private:
-    void Serve() {
-        tcp::socket socket = acceptor_.accept();
-        socket.set_option(tcp::no_delay(true));
-        std::array<unsigned char, 4> header{};
-        std::string request;
-        const std::array<unsigned char, 4> answerHeader = Header(answer_.size());
-        boost::system::error_code error;
-        while (asio::read(socket, asio::buffer(header), error) == header.size()) {
-            request.resize((std::size_t{header[0]} << 24) | (std::size_t{header[1]} << 16) |
-                           (std::size_t{header[2]} << 8) | header[3]);
-            asio::read(socket, asio::buffer(request));
-            asio::write(socket, std::array<asio::const_buffer, 2>{asio::buffer(answerHeader),
-                                                                  asio::buffer(answer_)});
-        }
+// Reads one frame into `body`; false at the end of the connection.
+bool ReadFrame(tcp::socket& socket, std::string& body) {
+    std::array<unsigned char, 4> header{};
+    boost::system::error_code error;
+    if (asio::read(socket, asio::buffer(header), error) != header.size()) {
+        return false;
     }
+    body.resize((std::size_t{header[0]} << 24) | (std::size_t{header[1]} << 16) |
+                (std::size_t{header[2]} << 8) | header[3]);
+    asio::read(socket, asio::buffer(body));
+    return true;
+}
 
-public:
-    static std::array<unsigned char, 4> Header(std::size_t size) {
-        return {static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
-                static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
+void WriteFrame(tcp::socket& socket, const std::array<unsigned char, 4>& header,
+                const std::string& body) {
+    asio::write(socket,
+                std::array<asio::const_buffer, 2>{asio::buffer(header), asio::buffer(body)});
+}
+
+std::string ReadText(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// The echo's server, run by this program as a process of its own (the emulator is one, and
+// between processes the system schedules a round trip differently than between two threads of
+// one): answers every frame of one connection with the answer in FOLDER/answer, as fast as Asio
+// does it; its port goes to FOLDER/port.
+int ServeEcho(const fs::path& folder) {
+    const std::string answer = ReadText(folder / "answer");
+    asio::io_context io;
+    tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
+    std::ofstream(folder / "port.new") << acceptor.local_endpoint().port();
+    fs::rename(folder / "port.new", folder / "port");
+    tcp::socket socket = acceptor.accept();
+    socket.set_option(tcp::no_delay(true));
+    const std::array<unsigned char, 4> header = FrameHeader(answer.size());
+    std::string request;
+    while (ReadFrame(socket, request)) {
+        WriteFrame(socket, header, answer);
     }
+    return 0;
+}
 
-private:
-    std::string answer_;
-    asio::io_context io_;
-    tcp::acceptor acceptor_;
-    std::thread thread_;
-};
-
-// A client of the echo server, connected for the length of the measurement.
+// A client of an echo server started for the length of the measurement.
 class EchoClient {
 public:
-    EchoClient(std::string request, std::string answer)
-        : server_(std::move(answer)), request_(std::move(request)),
-          header_(EchoServer::Header(request_.size())) {
-        socket_.connect({asio::ip::address_v4::loopback(), server_.Port()});
+    EchoClient(const fs::path& folder, std::string request, const std::string& answer)
+        : request_(std::move(request)), header_(FrameHeader(request_.size())) {
+        fs::create_directories(folder);
+        std::ofstream(folder / "answer", std::ios::binary) << answer;
+        pid_ = platform::os::LaunchDetached(fs::absolute(program).wstring(),
+                                            {L"echo-server", folder.wstring()})
+                   .pid;
+        for (int waited = 0; !fs::exists(folder / "port"); waited += 10) {
+            if (pid_ == 0 || waited > 60000) {
+                throw std::runtime_error("the echo server did not start");
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        const auto port = static_cast<std::uint16_t>(std::stoi(ReadText(folder / "port")));
+        socket_.connect({asio::ip::address_v4::loopback(), port});
         socket_.set_option(tcp::no_delay(true));
     }
-    ~EchoClient() { socket_.close(); }
+    ~EchoClient() {
+        socket_.close();
+        if (!platform::os::WaitForExit(pid_, 10000)) {
+            platform::os::KillProcess(pid_);
+        }
+    }
     void RoundTrip() {
-        asio::write(socket_, std::array<asio::const_buffer, 2>{asio::buffer(header_),
-                                                               asio::buffer(request_)});
-        std::array<unsigned char, 4> answerHeader{};
-        asio::read(socket_, asio::buffer(answerHeader));
-        received_.resize((std::size_t{answerHeader[0]} << 24) |
-                         (std::size_t{answerHeader[1]} << 16) |
-                         (std::size_t{answerHeader[2]} << 8) | answerHeader[3]);
-        asio::read(socket_, asio::buffer(received_));
+        WriteFrame(socket_, header_, request_);
+        ReadFrame(socket_, received_);
     }
 
+    static inline fs::path program; // this program, as it was started
+
 private:
-    EchoServer server_;
     std::string request_;
     std::array<unsigned char, 4> header_;
     std::string received_;
     asio::io_context io_;
     tcp::socket socket_{io_};
+    unsigned long pid_ = 0;
 };
 
 double Percentile(std::vector<double> values, double share) {
@@ -202,7 +224,7 @@ double Percentile(std::vector<double> values, double share) {
 // does in the meantime weighs on both alike.
 template <class Ours, class Theirs>
 std::pair<double, double> MediansInTurn(int count, Ours ours, Theirs theirs) {
-    constexpr int Blocks = 20;
+    constexpr int Blocks = 100;
     std::vector<double> times[2];
     for (int block = 0; block < 2 * Blocks; ++block) {
         const int side = block % 2;
@@ -223,7 +245,7 @@ void RoundTrip(const fs::path& scratch) {
         R"({"Command":"GETCONNECTIONSTATUS","SessionId":")" + Register(proxy) + R"(","Version":1})";
     const std::string answer = proxy.Execute(request).str();
     // The bytes on the wire: the operation's name and a line feed before the body.
-    EchoClient echo("execute\n" + request, answer);
+    EchoClient echo(scratch / "echo", "execute\n" + request, answer);
     const auto [ours, bare] = MediansInTurn(
         RoundTrips, [&] { proxy.Execute(request); }, [&] { echo.RoundTrip(); });
     PrintRatio("emulator round trip", ours / bare,
@@ -511,6 +533,10 @@ void Cloud(const fs::path& scratch) {
 } // namespace
 
 int main(int argc, char** argv) {
+    EchoClient::program = argv[0];
+    if (argc == 3 && std::string(argv[1]) == "echo-server") {
+        return ServeEcho(argv[2]);
+    }
     std::set<std::string> parts;
     for (int i = 1; i < argc; ++i) {
         if (std::string(argv[i]) == "--label" && i + 1 < argc) {
