@@ -20,6 +20,7 @@ set(VANTO_PLATFORM_SOURCES
     ${VANTO_OS_DIR}/Process_${VANTO_OS}.cpp
     ${VANTO_OS_DIR}/ProcessInfo_${VANTO_OS}.cpp
     ${VANTO_OS_DIR}/UserValues_${VANTO_OS}.cpp
+    ${VANTO_OS_DIR}/SocketWait_${VANTO_OS}.cpp
     ${PROJECT_SOURCE_DIR}/platform/core/BoostJson.cpp
     ${PROJECT_SOURCE_DIR}/platform/core/MemoryManager.cpp
     ${PROJECT_SOURCE_DIR}/platform/host/GUserFileName.cpp

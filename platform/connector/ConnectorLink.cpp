@@ -2,15 +2,17 @@
 
 #include "connector/CorvaneClient.h"
 #include "os/Paths.h"
+#include "os/SocketWait.h"
 
 #include <boost/asio/connect.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/read.hpp>
-#include <boost/asio/write.hpp>
 #include <boost/json/parse.hpp>
 
-#include <array>
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <limits>
 #include <utility>
 
 namespace Corvane {
@@ -43,10 +45,31 @@ CorvaneCommunicationException Fail(Failure failure, const std::string& detail) {
     return CorvaneCommunicationException(std::string(what) + " (" + detail + ")");
 }
 
-std::array<unsigned char, 4> Header(std::size_t size) {
-    return {static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
-            static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
+// One frame: the length of the parts together, then the parts.
+std::string Frame(std::initializer_list<std::string_view> parts) {
+    std::size_t size = 0;
+    for (const std::string_view part : parts) {
+        size += part.size();
+    }
+    std::string frame{static_cast<char>(size >> 24), static_cast<char>(size >> 16),
+                      static_cast<char>(size >> 8), static_cast<char>(size)};
+    frame.reserve(4 + size);
+    for (const std::string_view part : parts) {
+        frame.append(part);
+    }
+    return frame;
 }
+
+// What the first frame's length says; read from at least four bytes.
+std::size_t FrameLength(const char* header) {
+    const auto byte = [header](int i) {
+        return std::size_t{static_cast<unsigned char>(header[i])};
+    };
+    return (byte(0) << 24) | (byte(1) << 16) | (byte(2) << 8) | byte(3);
+}
+
+// Room for a frame's header and a typical answer, read with one call.
+constexpr std::size_t InboxBytes = 64 * 1024;
 
 } // namespace
 
@@ -78,8 +101,12 @@ struct ConnectorLink::State {
     bool open = false;
     bool justAsked = false; // Alive() answered true and nothing has happened since
 
+    std::string inbox;
+
     // Runs the started operations until `done` says so or the deadline passes; then the socket
-    // is closed and what was pending is drained.
+    // is closed and what was pending is drained. Connecting only: the exchanges after it wait
+    // with the system's poll, which under Wine costs fewer calls to its server than Asio's
+    // completion port.
     template <class Done> bool RunUntil(Done done, Clock::time_point deadline) {
         io.restart();
         while (!done()) {
@@ -88,9 +115,7 @@ struct ConnectorLink::State {
                 if (done()) {
                     break;
                 }
-                error_code ignored;
-                socket.close(ignored);
-                open = false;
+                TimedOut();
                 io.restart();
                 io.run();
                 return false;
@@ -99,52 +124,82 @@ struct ConnectorLink::State {
         return true;
     }
 
-    // Writes one frame and, when `answer` is given, reads one; false on time-out, `error` set on
-    // any other failure.
-    bool Exchange(std::string_view request, std::string* answer, Clock::time_point deadline,
-                  error_code& error) {
-        const auto header = Header(request.size());
-        const std::array<asio::const_buffer, 2> frame{asio::buffer(header),
-                                                      asio::buffer(request.data(), request.size())};
-        bool written = false;
-        asio::async_write(socket, frame, [&](error_code e, std::size_t) {
-            error = e;
-            written = true;
-        });
-        if (!RunUntil([&] { return written; }, deadline)) {
+    void TimedOut() {
+        error_code ignored;
+        socket.close(ignored);
+        open = false;
+    }
+
+    // Waits until the socket is ready or the deadline passes (then closes it and answers false).
+    bool Wait(platform::os::SocketWait what, Clock::time_point deadline) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0 ||
+            !platform::os::WaitForSocket(socket.native_handle(), what,
+                                         static_cast<int>(std::min<std::int64_t>(
+                                             left.count(), std::numeric_limits<int>::max())))) {
+            TimedOut();
             return false;
         }
-        if (error || answer == nullptr) {
+        return true;
+    }
+
+    // Reads what has come, up to `room` bytes, once it has come: the count, with `error` set on a
+    // failure; nothing on time-out.
+    std::optional<std::size_t> ReadSome(char* into, std::size_t room, Clock::time_point deadline,
+                                        error_code& error) {
+        std::size_t count = 0;
+        do {
+            if (!Wait(platform::os::SocketWait::Read, deadline)) {
+                return std::nullopt;
+            }
+            count = socket.read_some(asio::buffer(into, room), error);
+        } while (error == asio::error::would_block);
+        return count;
+    }
+
+    // Writes `frame` and, when `answer` is given, reads one; false on time-out, `error` set on
+    // any other failure.
+    bool Exchange(std::string_view frame, std::string* answer, Clock::time_point deadline,
+                  error_code& error) {
+        for (std::size_t sent = 0; sent < frame.size();) {
+            sent += socket.write_some(asio::buffer(frame.substr(sent)), error);
+            if (error == asio::error::would_block) {
+                if (!Wait(platform::os::SocketWait::Write, deadline)) {
+                    return false;
+                }
+            } else if (error) {
+                return true;
+            }
+        }
+        if (answer == nullptr) {
             return true;
         }
-        std::array<unsigned char, 4> size{};
-        bool read = false;
-        bool tooLarge = false;
-        asio::async_read(socket, asio::buffer(size), [&](error_code e, std::size_t) {
-            if (e) {
-                error = e;
-                read = true;
-                return;
+        inbox.resize(InboxBytes);
+        std::size_t got = 0;
+        while (got < 4) {
+            const auto count = ReadSome(inbox.data() + got, inbox.size() - got, deadline, error);
+            if (!count || error) {
+                return count.has_value();
             }
-            const std::size_t length = (std::size_t{size[0]} << 24) | (std::size_t{size[1]} << 16) |
-                                       (std::size_t{size[2]} << 8) | std::size_t{size[3]};
-            if (length > MaxFrameBytes) {
-                tooLarge = true;
-                read = true;
-                return;
-            }
-            answer->resize(length);
-            asio::async_read(socket, asio::buffer(answer->data(), length),
-                             [&](error_code e2, std::size_t) {
-                                 error = e2;
-                                 read = true;
-                             });
-        });
-        if (!RunUntil([&] { return read; }, deadline)) {
-            return false;
+            got += *count;
         }
-        if (tooLarge) {
+        const std::size_t length = FrameLength(inbox.data());
+        if (length > MaxFrameBytes) {
             error = asio::error::message_size;
+            return true;
+        }
+        if (got - 4 > length) { // answers come only when asked: these bytes are no answer
+            error = make_error_code(boost::system::errc::protocol_error);
+            return true;
+        }
+        answer->assign(inbox.data() + 4, got - 4);
+        answer->resize(length);
+        for (std::size_t have = got - 4; have < length;) {
+            const auto count = ReadSome(answer->data() + have, length - have, deadline, error);
+            if (!count || error) {
+                return count.has_value();
+            }
+            have += *count;
         }
         return true;
     }
@@ -179,12 +234,11 @@ void ConnectorLink::Connect(const Endpoint& endpoint, Clock::time_point deadline
                    "port " + std::to_string(endpoint.port) + ": " + error.message());
     }
     s.socket.set_option(asio::ip::tcp::no_delay(true), error);
-    // Non-blocking for good: the operations are asynchronous anyway, and Alive() then asks with
-    // one read instead of switching the mode on and off around it.
+    // Non-blocking for good: every read and write waits with a deadline of its own, and Alive()
+    // asks with one read.
     s.socket.non_blocking(true, error);
     std::string answer;
-    const std::string greeting = std::string(HandshakeGreeting) + endpoint.secret;
-    if (!s.Exchange(greeting, &answer, deadline, error)) {
+    if (!s.Exchange(Frame({HandshakeGreeting, endpoint.secret}), &answer, deadline, error)) {
         throw Fail(Failure::TimeOut, "waiting for the handshake");
     }
     if (error || answer != HandshakeAccepted) {
@@ -206,15 +260,12 @@ std::string ConnectorLink::Call(const Endpoint& endpoint, std::string_view opera
     if (!s.open) {
         Connect(endpoint, deadline);
     }
-    std::string request;
-    request.reserve(operation.size() + 1 + body.size());
-    request.append(operation).append(1, '\n').append(body);
-    if (request.size() > MaxFrameBytes) {
+    if (operation.size() + 1 + body.size() > MaxFrameBytes) {
         throw Fail(Failure::Lost, "the request is larger than a frame may be");
     }
     std::string answer;
     error_code error;
-    if (!s.Exchange(request, &answer, deadline, error)) {
+    if (!s.Exchange(Frame({operation, "\n", body}), &answer, deadline, error)) {
         throw Fail(Failure::TimeOut,
                    "no answer within " + std::to_string(timeout_.count()) + " ms");
     }
