@@ -123,11 +123,6 @@ std::string Register(Corvane::ICorvaneProxy& proxy) {
     return output.SessionId.str();
 }
 
-std::array<unsigned char, 4> FrameHeader(std::size_t size) {
-    return {static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
-            static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
-}
-
 // Reads one frame into `body`; false at the end of the connection.
 bool ReadFrame(tcp::socket& socket, std::string& body) {
     std::array<unsigned char, 4> header{};
@@ -135,8 +130,7 @@ bool ReadFrame(tcp::socket& socket, std::string& body) {
     if (asio::read(socket, asio::buffer(header), error) != header.size()) {
         return false;
     }
-    body.resize((std::size_t{header[0]} << 24) | (std::size_t{header[1]} << 16) |
-                (std::size_t{header[2]} << 8) | header[3]);
+    body.resize(Corvane::FrameLength(header.data()));
     asio::read(socket, asio::buffer(body));
     return true;
 }
@@ -164,7 +158,7 @@ int ServeEcho(const fs::path& folder) {
     fs::rename(folder / "port.new", folder / "port");
     tcp::socket socket = acceptor.accept();
     socket.set_option(tcp::no_delay(true));
-    const std::array<unsigned char, 4> header = FrameHeader(answer.size());
+    const std::array<unsigned char, 4> header = Corvane::FrameHeader(answer.size());
     std::string request;
     while (ReadFrame(socket, request)) {
         WriteFrame(socket, header, answer);
@@ -176,7 +170,7 @@ int ServeEcho(const fs::path& folder) {
 class EchoClient {
 public:
     EchoClient(const fs::path& folder, std::string request, const std::string& answer)
-        : request_(std::move(request)), header_(FrameHeader(request_.size())) {
+        : request_(std::move(request)), header_(Corvane::FrameHeader(request_.size())) {
         fs::create_directories(folder);
         std::ofstream(folder / "answer", std::ios::binary) << answer;
         pid_ = platform::os::LaunchDetached(fs::absolute(program).wstring(),

@@ -51,25 +51,14 @@ std::string Frame(std::initializer_list<std::string_view> parts) {
     for (const std::string_view part : parts) {
         size += part.size();
     }
-    std::string frame{static_cast<char>(size >> 24), static_cast<char>(size >> 16),
-                      static_cast<char>(size >> 8), static_cast<char>(size)};
+    const auto header = FrameHeader(size);
+    std::string frame(header.begin(), header.end());
     frame.reserve(4 + size);
     for (const std::string_view part : parts) {
         frame.append(part);
     }
     return frame;
 }
-
-// What the first frame's length says; read from at least four bytes.
-std::size_t FrameLength(const char* header) {
-    const auto byte = [header](int i) {
-        return std::size_t{static_cast<unsigned char>(header[i])};
-    };
-    return (byte(0) << 24) | (byte(1) << 16) | (byte(2) << 8) | byte(3);
-}
-
-// Room for a frame's header and a typical answer, read with one call.
-constexpr std::size_t InboxBytes = 64 * 1024;
 
 } // namespace
 

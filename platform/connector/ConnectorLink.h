@@ -8,6 +8,7 @@
 // is the body alone.
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -18,8 +19,23 @@
 namespace Corvane {
 
 inline constexpr std::size_t MaxFrameBytes = 64u * 1024u * 1024u;
+// What each end reads with one call: a frame's header with a typical message.
+inline constexpr std::size_t InboxBytes = 64u * 1024u;
 inline constexpr std::string_view HandshakeGreeting = "CORVANE-EMULATOR 1 ";
 inline constexpr std::string_view HandshakeAccepted = "OK";
+
+// The four bytes before a frame's body: its length.
+inline std::array<unsigned char, 4> FrameHeader(std::size_t size) {
+    return {static_cast<unsigned char>(size >> 24), static_cast<unsigned char>(size >> 16),
+            static_cast<unsigned char>(size >> 8), static_cast<unsigned char>(size)};
+}
+
+// The length that a frame's four header bytes give.
+inline std::size_t FrameLength(const void* header) {
+    const auto* byte = static_cast<const unsigned char*>(header);
+    return (std::size_t{byte[0]} << 24) | (std::size_t{byte[1]} << 16) |
+           (std::size_t{byte[2]} << 8) | std::size_t{byte[3]};
+}
 
 struct Endpoint {
     std::uint16_t port = 0;

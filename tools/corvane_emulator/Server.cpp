@@ -9,11 +9,11 @@
 #include "protocol/Numbers.h"
 
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/read.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <list>
@@ -95,18 +95,30 @@ public:
     }
 
 private:
+    // Reads until a whole frame has come (it may have already), then handles it.
     void ReadFrame() {
-        asio::async_read(
-            socket_, asio::buffer(header_),
-            [self = shared_from_this()](error_code error, std::size_t) { self->OnHeader(error); });
+        if (have_ >= 4) {
+            return OnRead(error_code(), 0);
+        }
+        ReadMore();
     }
 
-    void OnHeader(error_code error) {
+    void ReadMore() {
+        socket_.async_read_some(asio::buffer(&in_[have_], in_.size() - have_),
+                                [self = shared_from_this()](error_code error, std::size_t count) {
+                                    self->OnRead(error, count);
+                                });
+    }
+
+    void OnRead(error_code error, std::size_t count) {
         if (error) {
             return Drop();
         }
-        const std::size_t size = (std::size_t{header_[0]} << 24) | (std::size_t{header_[1]} << 16) |
-                                 (std::size_t{header_[2]} << 8) | std::size_t{header_[3]};
+        have_ += count;
+        if (have_ < 4) {
+            return ReadMore();
+        }
+        const std::size_t size = Corvane::FrameLength(in_.data());
         // Before the secret only a greeting's worth; after it, up to a frame's limit. A larger
         // frame cannot be skipped without reading it, so the connection ends.
         const std::size_t limit = greeted_ ? Corvane::MaxFrameBytes : 256;
@@ -116,16 +128,33 @@ private:
             }
             return Drop();
         }
-        body_.resize(size);
-        asio::async_read(
-            socket_, asio::buffer(body_),
-            [self = shared_from_this()](error_code e, std::size_t) { self->OnBody(e); });
+        if (have_ < 4 + size) {
+            in_.resize(std::max(in_.size(), 4 + size));
+            return ReadMore();
+        }
+        frame_ = size;
+        OnBody();
     }
 
-    void OnBody(error_code error) {
-        if (error) {
-            return Drop();
+    // The frame being handled.
+    std::string_view Body() const { return std::string_view(in_).substr(4, frame_); }
+
+    // Done with the frame: what came after it moves to the front, and a large frame's room is
+    // given back.
+    void Consume() {
+        const std::size_t used = 4 + frame_;
+        have_ -= used;
+        if (in_.size() > Corvane::InboxBytes && have_ <= Corvane::InboxBytes) {
+            std::string room(Corvane::InboxBytes, '\0');
+            std::copy_n(in_.begin() + static_cast<std::ptrdiff_t>(used), have_, room.begin());
+            in_.swap(room);
+        } else {
+            std::copy_n(in_.begin() + static_cast<std::ptrdiff_t>(used), have_, in_.begin());
         }
+        frame_ = 0;
+    }
+
+    void OnBody() {
         if (!greeted_) {
             return Greet();
         }
@@ -151,12 +180,13 @@ private:
     }
 
     void Greet() {
-        const std::string_view text(body_);
+        const std::string_view text = Body();
         if (text.substr(0, Corvane::HandshakeGreeting.size()) != Corvane::HandshakeGreeting ||
             !SameSecret(text.substr(Corvane::HandshakeGreeting.size()), state_->secret) ||
             state_->greeted == MaxConnections) {
             return Drop(); // nothing at all for a client without the secret
         }
+        Consume();
         state_->waiting.erase(place_);
         place_ = state_->waiting.end();
         greeted_ = true;
@@ -165,14 +195,11 @@ private:
         Send(std::string(Corvane::HandshakeAccepted), false);
     }
 
-    // The request in body_: the operation, a line feed, the text.
-    std::string_view Operation() const {
-        return std::string_view(body_).substr(0, body_.find('\n'));
-    }
+    // The request: the operation, a line feed, the text.
+    std::string_view Operation() const { return Body().substr(0, Body().find('\n')); }
     std::string_view Request() const {
-        const std::size_t newline = body_.find('\n');
-        return newline == std::string::npos ? std::string_view()
-                                            : std::string_view(body_).substr(newline + 1);
+        const std::size_t newline = Body().find('\n');
+        return newline == std::string::npos ? std::string_view() : Body().substr(newline + 1);
     }
 
     void Answer(Fault fault) {
@@ -180,17 +207,14 @@ private:
         if (answer.text.size() > Corvane::MaxFrameBytes) {
             answer.text = ErrorAnswer(protocol::ReturnCode::Fail);
         }
-        std::string().swap(body_);
+        Consume();
         stopping_ = answer.stopAfter;
         Send(std::move(answer.text), false);
     }
 
     void Send(std::string text, bool thenClose) {
         out_ = std::move(text);
-        const std::size_t size = out_.size();
-        outHeader_ = {static_cast<unsigned char>(size >> 24),
-                      static_cast<unsigned char>(size >> 16), static_cast<unsigned char>(size >> 8),
-                      static_cast<unsigned char>(size)};
+        outHeader_ = Corvane::FrameHeader(out_.size());
         const std::array<asio::const_buffer, 2> frame{asio::buffer(outHeader_), asio::buffer(out_)};
         asio::async_write(socket_, frame,
                           [self = shared_from_this(), thenClose](error_code error, std::size_t) {
@@ -211,9 +235,10 @@ private:
     std::list<Connection*>::iterator place_; // in the waiting list, or its end
     bool greeted_ = false;
     bool stopping_ = false;
-    std::array<unsigned char, 4> header_{};
+    std::string in_ = std::string(Corvane::InboxBytes, '\0'); // what has come: [0, have_)
+    std::size_t have_ = 0;
+    std::size_t frame_ = 0; // the length of the frame being handled
     std::array<unsigned char, 4> outHeader_{};
-    std::string body_;
     std::string out_;
 };
 

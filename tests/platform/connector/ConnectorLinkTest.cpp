@@ -19,18 +19,14 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 
 std::string Frame(const std::string& body) {
-    const std::size_t size = body.size();
-    return std::string{static_cast<char>(size >> 24), static_cast<char>(size >> 16),
-                       static_cast<char>(size >> 8), static_cast<char>(size)} +
-           body;
+    const auto header = Corvane::FrameHeader(body.size());
+    return std::string(header.begin(), header.end()) + body;
 }
 
 std::string ReadFrame(tcp::socket& socket) {
     std::array<unsigned char, 4> header{};
     asio::read(socket, asio::buffer(header));
-    std::string body((std::size_t{header[0]} << 24) | (std::size_t{header[1]} << 16) |
-                         (std::size_t{header[2]} << 8) | header[3],
-                     '\0');
+    std::string body(Corvane::FrameLength(header.data()), '\0');
     asio::read(socket, asio::buffer(body));
     return body;
 }
