@@ -1,50 +1,242 @@
+// Small blocks come from per-thread free lists, one per size class, refilled from 64 KiB chunks
+// taken from the C heap; larger blocks come from the C heap itself. Freed small blocks stay in
+// the pool for the next call. Each thread has its own pool, so the common path takes no lock and
+// no atomic read-modify-write; a thread's pool goes to the next new thread when it ends.
+//
+// Under AddressSanitizer every block comes from the C heap, so that it sees each one.
 #include "core/MemoryManager.h"
 
 #include <atomic>
 #include <cstdlib>
 #include <new>
+#include <thread>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define VANTO_POOL_PASS_THROUGH 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define VANTO_POOL_PASS_THROUGH 1
+#endif
+#endif
 
 namespace Core {
 
 namespace {
-std::atomic<std::int64_t> liveAllocations{0};
-std::atomic<std::int64_t> allocationCount{0};
-// The value of allocationCount at which Allocate fails; 0 for none.
-std::atomic<std::int64_t> failingAllocation{0};
-} // namespace
 
-void* MemoryManager::Allocate(std::size_t size) {
-    const std::int64_t count = allocationCount.fetch_add(1, std::memory_order_relaxed) + 1;
-    std::int64_t failing = count;
-    if (failingAllocation.compare_exchange_strong(failing, 0, std::memory_order_relaxed)) {
-        throw std::bad_alloc();
+#if defined(VANTO_POOL_PASS_THROUGH)
+constexpr std::size_t LargestPooled = 0;
+#else
+constexpr std::size_t LargestPooled = 512;
+#endif
+constexpr std::size_t Grain = 8;
+constexpr std::size_t Classes = 512 / Grain;
+constexpr std::size_t ChunkSize = 64 * 1024;
+
+// Class c holds blocks of (c + 1) * Grain bytes.
+std::size_t ClassOf(std::size_t size) noexcept {
+    return size == 0 ? 0 : (size - 1) / Grain;
+}
+
+struct FreeBlock {
+    FreeBlock* next;
+};
+
+// One thread's blocks and counts. Counts are written by that thread alone and read by any.
+struct Pool {
+    FreeBlock* free[Classes] = {};
+    // The part of the newest chunk not handed out yet.
+    char* next = nullptr;
+    char* end = nullptr;
+    std::atomic<std::int64_t> calls{0};
+    std::atomic<std::int64_t> frees{0};
+    Pool* nextPool = nullptr;  // every pool ever made
+    Pool* nextSpare = nullptr; // pools whose thread has ended
+};
+
+void Count(std::atomic<std::int64_t>& counter) noexcept {
+    counter.store(counter.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+}
+
+// Guards the lists of pools and the shared pool; taken when a thread starts or ends using the
+// pool and when the counts are read, never on the common path.
+std::atomic_flag poolsBusy = ATOMIC_FLAG_INIT;
+Pool* pools = nullptr;
+Pool* spares = nullptr;
+// For a thread whose own pool has already gone (objects destroyed after its thread-local ones).
+Pool shared;
+// Calls that failed: they are counted as calls but hand out no block.
+std::atomic<std::int64_t> failedCalls{0};
+// Calls to go until the failing one; 0 for none.
+std::atomic<std::int64_t> failCountdown{0};
+
+class PoolsLock {
+public:
+    PoolsLock() noexcept {
+        while (poolsBusy.test_and_set(std::memory_order_acquire)) {
+            std::this_thread::yield();
+        }
     }
+    ~PoolsLock() { poolsBusy.clear(std::memory_order_release); }
+    PoolsLock(const PoolsLock&) = delete;
+    PoolsLock& operator=(const PoolsLock&) = delete;
+};
+
+thread_local Pool* threadPool = nullptr;
+thread_local bool threadEnded = false;
+
+// Hands the thread's pool over to the spares when the thread ends.
+struct PoolReturn {
+    bool armed = false;
+    ~PoolReturn() {
+        if (!armed) {
+            return;
+        }
+        PoolsLock lock;
+        threadPool->nextSpare = spares;
+        spares = threadPool;
+        threadPool = nullptr;
+        threadEnded = true;
+    }
+};
+thread_local PoolReturn poolReturn;
+
+// The thread's pool, made or taken from the spares on first use; null once the thread's own
+// pool has gone.
+Pool* ThreadPool() {
+    if (threadPool != nullptr || threadEnded) {
+        return threadPool;
+    }
+    PoolsLock lock;
+    if (spares != nullptr) {
+        threadPool = spares;
+        spares = spares->nextSpare;
+    } else {
+        threadPool = new Pool();
+        threadPool->nextPool = pools;
+        pools = threadPool;
+    }
+    poolReturn.armed = true;
+    return threadPool;
+}
+
+void* FromHeap(std::size_t size) {
     void* block = std::malloc(size == 0 ? 1 : size);
     if (block == nullptr) {
         throw std::bad_alloc();
     }
-    liveAllocations.fetch_add(1, std::memory_order_relaxed);
     return block;
 }
 
-void MemoryManager::Free(void* block) noexcept {
+// A fresh block of class c's size from the newest chunk, or from a new one. What is left of the
+// old chunk goes to the free list of its size.
+void* Carve(Pool& pool, std::size_t c) {
+    const std::size_t size = (c + 1) * Grain;
+    if (static_cast<std::size_t>(pool.end - pool.next) < size) {
+        char* chunk = static_cast<char*>(FromHeap(ChunkSize));
+        if (pool.end != pool.next) {
+            auto* rest = reinterpret_cast<FreeBlock*>(pool.next);
+            FreeBlock*& list = pool.free[ClassOf(static_cast<std::size_t>(pool.end - pool.next))];
+            rest->next = list;
+            list = rest;
+        }
+        pool.next = chunk;
+        pool.end = chunk + ChunkSize;
+    }
+    void* block = pool.next;
+    pool.next += size;
+    return block;
+}
+
+// Whether the seam makes this call fail.
+bool FailsNow() noexcept {
+    std::int64_t left = failCountdown.load(std::memory_order_relaxed);
+    while (left > 0 &&
+           !failCountdown.compare_exchange_weak(left, left - 1, std::memory_order_relaxed)) {
+    }
+    return left == 1;
+}
+
+void* Take(Pool& pool, std::size_t size) {
+    Count(pool.calls);
+    try {
+        if (failCountdown.load(std::memory_order_relaxed) != 0 && FailsNow()) {
+            throw std::bad_alloc();
+        }
+        if (size > LargestPooled) {
+            return FromHeap(size);
+        }
+        const std::size_t c = ClassOf(size);
+        if (FreeBlock* block = pool.free[c]) {
+            pool.free[c] = block->next;
+            return block;
+        }
+        return Carve(pool, c);
+    } catch (...) {
+        failedCalls.fetch_add(1, std::memory_order_relaxed);
+        throw;
+    }
+}
+
+void Give(Pool& pool, void* block, std::size_t size) noexcept {
+    Count(pool.frees);
+    if (size > LargestPooled) {
+        std::free(block);
+        return;
+    }
+    auto* freed = static_cast<FreeBlock*>(block);
+    FreeBlock*& list = pool.free[ClassOf(size)];
+    freed->next = list;
+    list = freed;
+}
+
+// Sums `counter` over every pool.
+std::int64_t Total(std::atomic<std::int64_t> Pool::*counter) noexcept {
+    PoolsLock lock;
+    std::int64_t total = (shared.*counter).load(std::memory_order_relaxed);
+    for (const Pool* pool = pools; pool != nullptr; pool = pool->nextPool) {
+        total += (pool->*counter).load(std::memory_order_relaxed);
+    }
+    return total;
+}
+
+} // namespace
+
+void* MemoryManager::Allocate(std::size_t size) {
+    if (Pool* pool = ThreadPool()) {
+        return Take(*pool, size);
+    }
+    PoolsLock lock;
+    return Take(shared, size);
+}
+
+void MemoryManager::Free(void* block, std::size_t size) noexcept {
     if (block == nullptr) {
         return;
     }
-    liveAllocations.fetch_sub(1, std::memory_order_relaxed);
-    std::free(block);
+    // A thread that has not allocated yet gives its first block to the shared pool, as making a
+    // pool could fail here.
+    if (Pool* pool = threadPool) {
+        Give(*pool, block, size);
+        return;
+    }
+    PoolsLock lock;
+    Give(shared, block, size);
+}
+
+std::size_t MemoryManager::Room(std::size_t size) noexcept {
+    return size > LargestPooled ? size : (ClassOf(size) + 1) * Grain;
 }
 
 std::int64_t MemoryManager::LiveAllocations() noexcept {
-    return liveAllocations.load(std::memory_order_relaxed);
+    return Total(&Pool::calls) - failedCalls.load(std::memory_order_relaxed) - Total(&Pool::frees);
 }
 
 std::int64_t MemoryManager::AllocationCount() noexcept {
-    return allocationCount.load(std::memory_order_relaxed);
+    return Total(&Pool::calls);
 }
 
 void MemoryManager::FailAllocationForTesting(std::int64_t nth) noexcept {
-    failingAllocation.store(nth > 0 ? AllocationCount() + nth : 0, std::memory_order_relaxed);
+    failCountdown.store(nth > 0 ? nth : 0, std::memory_order_relaxed);
 }
 
 } // namespace Core
