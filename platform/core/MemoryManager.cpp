@@ -168,6 +168,9 @@ void* Take(Pool& pool, std::size_t size) {
         const std::size_t c = ClassOf(size);
         if (FreeBlock* block = pool.free[c]) {
             pool.free[c] = block->next;
+            // Freed blocks have mostly left the cache by the time they come back; fetching the
+            // next one now keeps the following call from waiting for it.
+            __builtin_prefetch(block->next);
             return block;
         }
         return Carve(pool, c);

@@ -31,6 +31,20 @@ std::string_view View(string_view text) noexcept {
     return {text.data(), text.size()};
 }
 
+// Keys are short and mostly match the first member tried: comparing them here costs less than a
+// call to memcmp.
+bool SameKey(std::string_view a, std::string_view b) noexcept {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i] != b[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool FitsInt32(std::int64_t value) noexcept {
     return value >= std::numeric_limits<std::int32_t>::min() &&
            value <= std::numeric_limits<std::int32_t>::max();
@@ -381,14 +395,14 @@ private:
         const Field* fields = frame.schema->fields;
         const std::size_t count = frame.schema->count;
         for (std::size_t index = frame.start; index < count; ++index) {
-            if (fields[index].key == key) {
+            if (SameKey(fields[index].key, key)) {
                 frame.pending = &fields[index];
                 frame.start = index + 1;
                 return;
             }
         }
         for (std::size_t index = 0; index < frame.start && index < count; ++index) {
-            if (fields[index].key == key) {
+            if (SameKey(fields[index].key, key)) {
                 frame.pending = &fields[index];
                 frame.start = index + 1;
                 return;
