@@ -6,6 +6,7 @@
 // Under AddressSanitizer every block comes from the C heap, so that it sees each one.
 #include "core/MemoryManager.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -24,17 +25,23 @@ namespace Core {
 namespace {
 
 #if defined(VANTO_POOL_PASS_THROUGH)
-constexpr std::size_t LargestPooled = 0;
+constexpr bool Pooling = false;
 #else
-constexpr std::size_t LargestPooled = 512;
+constexpr bool Pooling = true;
 #endif
+constexpr std::size_t LargestPooled = 512;
 constexpr std::size_t Grain = 8;
-constexpr std::size_t Classes = 512 / Grain;
+constexpr std::size_t Classes = LargestPooled / Grain;
 constexpr std::size_t ChunkSize = 64 * 1024;
 
 // Class c holds blocks of (c + 1) * Grain bytes.
 std::size_t ClassOf(std::size_t size) noexcept {
     return size == 0 ? 0 : (size - 1) / Grain;
+}
+
+// Whether a block of `size` bytes comes from the pool rather than from the C heap.
+bool Pooled(std::size_t size) noexcept {
+    return Pooling && size <= LargestPooled;
 }
 
 struct FreeBlock {
@@ -162,7 +169,7 @@ void* Take(Pool& pool, std::size_t size) {
         if (failCountdown.load(std::memory_order_relaxed) != 0 && FailsNow()) {
             throw std::bad_alloc();
         }
-        if (size > LargestPooled) {
+        if (!Pooled(size)) {
             return FromHeap(size);
         }
         const std::size_t c = ClassOf(size);
@@ -182,7 +189,7 @@ void* Take(Pool& pool, std::size_t size) {
 
 void Give(Pool& pool, void* block, std::size_t size) noexcept {
     Count(pool.frees);
-    if (size > LargestPooled) {
+    if (!Pooled(size)) {
         std::free(block);
         return;
     }
@@ -227,7 +234,7 @@ void MemoryManager::Free(void* block, std::size_t size) noexcept {
 }
 
 std::size_t MemoryManager::Room(std::size_t size) noexcept {
-    return size > LargestPooled ? size : (ClassOf(size) + 1) * Grain;
+    return Pooled(size) ? (ClassOf(size) + 1) * Grain : std::max<std::size_t>(size, 1);
 }
 
 std::int64_t MemoryManager::LiveAllocations() noexcept {
