@@ -1,4 +1,4 @@
-// Small blocks come from per-thread free lists, one per size class, refilled from 64 KiB chunks
+// Small blocks come from per-thread free lists, one per size class, refilled from 32 KiB chunks
 // taken from the C heap; larger blocks come from the C heap itself. Freed small blocks stay in
 // the pool for the next call. Each thread has its own pool, so the common path takes no lock and
 // no atomic read-modify-write; a thread's pool goes to the next new thread when it ends.
@@ -32,7 +32,7 @@ constexpr bool Pooling = true;
 constexpr std::size_t LargestPooled = 512;
 constexpr std::size_t Grain = 8;
 constexpr std::size_t Classes = LargestPooled / Grain;
-constexpr std::size_t ChunkSize = 64 * 1024;
+constexpr std::size_t ChunkSize = 32 * 1024;
 
 // Class c holds blocks of (c + 1) * Grain bytes.
 std::size_t ClassOf(std::size_t size) noexcept {
@@ -51,9 +51,10 @@ struct FreeBlock {
 // One thread's blocks and counts. Counts are written by that thread alone and read by any.
 struct Pool {
     FreeBlock* free[Classes] = {};
-    // The part of the newest chunk not handed out yet.
-    char* next = nullptr;
-    char* end = nullptr;
+    // Per class, the part of its newest chunk not handed out yet. A chunk holds blocks of one
+    // size only, so blocks of a size made one after the other stay side by side when reused.
+    char* next[Classes] = {};
+    char* end[Classes] = {};
     std::atomic<std::int64_t> calls{0};
     std::atomic<std::int64_t> frees{0};
     Pool* nextPool = nullptr;  // every pool ever made
@@ -134,23 +135,25 @@ void* FromHeap(std::size_t size) {
     return block;
 }
 
-// A fresh block of class c's size from the newest chunk, or from a new one. What is left of the
-// old chunk goes to the free list of its size.
+// A fresh block of class c's size from the class's newest chunk, or from a new one. What is left
+// of the old chunk goes to the free list of its size.
 void* Carve(Pool& pool, std::size_t c) {
     const std::size_t size = (c + 1) * Grain;
-    if (static_cast<std::size_t>(pool.end - pool.next) < size) {
+    char*& next = pool.next[c];
+    char* const end = pool.end[c];
+    if (static_cast<std::size_t>(end - next) < size) {
         char* chunk = static_cast<char*>(FromHeap(ChunkSize));
-        if (pool.end != pool.next) {
-            auto* rest = reinterpret_cast<FreeBlock*>(pool.next);
-            FreeBlock*& list = pool.free[ClassOf(static_cast<std::size_t>(pool.end - pool.next))];
+        if (end != next) {
+            auto* rest = reinterpret_cast<FreeBlock*>(next);
+            FreeBlock*& list = pool.free[ClassOf(static_cast<std::size_t>(end - next))];
             rest->next = list;
             list = rest;
         }
-        pool.next = chunk;
-        pool.end = chunk + ChunkSize;
+        next = chunk;
+        pool.end[c] = chunk + ChunkSize;
     }
-    void* block = pool.next;
-    pool.next += size;
+    void* block = next;
+    next += size;
     return block;
 }
 

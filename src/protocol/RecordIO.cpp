@@ -647,55 +647,6 @@ private:
     char* end_ = nullptr;
 };
 
-// The size of the record's text when no character needs escaping: the writer makes that much
-// room at once instead of growing (and copying) the text as it goes.
-std::size_t Measure(const void* record, const Schema& schema) noexcept {
-    constexpr std::size_t quotes = 2;
-    constexpr std::size_t integer = 11;
-    std::size_t size = 2;
-    for (std::size_t i = 0; i < schema.count; ++i) {
-        const Field& field = schema.fields[i];
-        const void* member = field.member(const_cast<void*>(record));
-        size += field.keyText.size();
-        switch (field.kind) {
-        case Kind::Text:
-            size += static_cast<const Core::TevString*>(member)->size() + quotes;
-            break;
-        case Kind::Integer:
-            size += integer;
-            break;
-        case Kind::Flag:
-            size += 5;
-            break;
-        case Kind::Texts:
-            size += 2;
-            for (const Core::TevString& text : *static_cast<const TextList*>(member)) {
-                size += text.size() + quotes + 1;
-            }
-            break;
-        case Kind::Integers:
-            size += 2 + static_cast<const IntegerList*>(member)->size() * (integer + 1);
-            break;
-        case Kind::Record:
-            if (const void* nested = field.nested().get(member)) {
-                size += Measure(nested, field.nested());
-            }
-            break;
-        case Kind::Records: {
-            const Schema& elements = field.nested();
-            const std::size_t count = elements.listSize(member);
-            size += 2;
-            for (std::size_t e = 0; e < count; ++e) {
-                const void* element = elements.listAt(member, e);
-                size += 1 + (element != nullptr ? Measure(element, elements) : 2);
-            }
-            break;
-        }
-        }
-    }
-    return size;
-}
-
 // [element,element,...], each element written by writeElement(index).
 template <class WriteElement>
 void WriteArray(JsonText& out, std::size_t size, const WriteElement& writeElement) {
@@ -807,7 +758,6 @@ void ReadRecord(void* record, const Schema& schema, std::string_view json) noexc
 Core::TevString WriteRecord(const void* record, const Schema& schema) noexcept {
     try {
         JsonText out;
-        out.Room(Measure(record, schema));
         WriteObject(out, record, schema);
         return Core::TevString(out.Take());
     } catch (...) {
