@@ -92,16 +92,17 @@ public:
 thread_local Pool* threadPool = nullptr;
 thread_local bool threadEnded = false;
 
-// Hands the thread's pool over to the spares when the thread ends.
+// Hands the thread's pool over to the spares when the thread ends. It keeps the pool itself: the
+// other thread-local variables may already be gone by then (MinGW's emulated thread storage).
 struct PoolReturn {
-    bool armed = false;
+    Pool* pool = nullptr;
     ~PoolReturn() {
-        if (!armed) {
+        if (pool == nullptr) {
             return;
         }
         PoolsLock lock;
-        threadPool->nextSpare = spares;
-        spares = threadPool;
+        pool->nextSpare = spares;
+        spares = pool;
         threadPool = nullptr;
         threadEnded = true;
     }
@@ -123,7 +124,7 @@ Pool* ThreadPool() {
         threadPool->nextPool = pools;
         pools = threadPool;
     }
-    poolReturn.armed = true;
+    poolReturn.pool = threadPool;
     return threadPool;
 }
 
