@@ -11,6 +11,7 @@
 #include <boost/json/parse.hpp>
 
 #include <array>
+#include <utility>
 
 namespace Corvane {
 
@@ -75,6 +76,7 @@ struct ConnectorLink::State {
     asio::ip::tcp::socket socket{io};
     Endpoint connectedTo;
     bool open = false;
+    bool justAsked = false; // Alive() answered true and nothing has happened since
 
     // Runs the started operations until `done` says so or the deadline passes; then the socket
     // is closed and what was pending is drained.
@@ -159,6 +161,7 @@ void ConnectorLink::Close() noexcept {
     error_code ignored;
     state_->socket.close(ignored);
     state_->open = false;
+    state_->justAsked = false;
 }
 
 void ConnectorLink::Connect(const Endpoint& endpoint, Clock::time_point deadline) {
@@ -193,8 +196,8 @@ std::string ConnectorLink::Call(const Endpoint& endpoint, std::string_view opera
                                 std::string_view body) {
     State& s = *state_;
     const auto deadline = Clock::now() + timeout_;
-    if (Alive() &&
-        (s.connectedTo.port != endpoint.port || s.connectedTo.secret != endpoint.secret)) {
+    const bool alive = std::exchange(s.justAsked, false) || Alive();
+    if (alive && (s.connectedTo.port != endpoint.port || s.connectedTo.secret != endpoint.secret)) {
         Close();
     }
     if (!s.open) {
@@ -236,6 +239,7 @@ bool ConnectorLink::Alive() noexcept {
         Close();
         return false;
     }
+    s.justAsked = true;
     return true;
 }
 

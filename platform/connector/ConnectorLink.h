@@ -44,7 +44,9 @@ public:
     // Only connects and shakes hands (within the deadline); fails as Call does.
     void Open(const Endpoint& endpoint);
     void Close() noexcept;
-    // Whether a connection is open and its other end has not closed it (closes it if so).
+    // Whether a connection is open and its other end has not closed it (closes it if so). A Call
+    // right after a true answer does not ask again: each asking is a few system calls, and under
+    // Wine each of those is a round trip to its server.
     bool Alive() noexcept;
 
     std::chrono::milliseconds Timeout() const { return timeout_; }

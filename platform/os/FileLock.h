@@ -27,4 +27,23 @@ private:
     unsigned long holder_ = 0;
 };
 
+// A lock on a file taken and given back again and again, for turns at something that processes
+// share. Lock() waits as long as it takes, asleep in the system's queue for the lock, and wakes as
+// the holder lets go: no polling, and no back-off that would keep it asleep while others take
+// turn after turn. As with FileLock, the system drops the lock when its holder ends, by any means.
+class TurnLock {
+public:
+    // Creates the file when needed; throws std::runtime_error when it cannot be opened.
+    explicit TurnLock(const std::wstring& path);
+    ~TurnLock();
+    TurnLock(const TurnLock&) = delete;
+    TurnLock& operator=(const TurnLock&) = delete;
+
+    void Lock();
+    void Unlock() noexcept;
+
+private:
+    std::intptr_t handle_ = -1;
+};
+
 } // namespace platform::os

@@ -2,8 +2,10 @@
 
 #include "os/TextConversion.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <stdexcept>
 #include <string>
 #include <sys/file.h>
 #include <unistd.h>
@@ -34,6 +36,29 @@ FileLock::~FileLock() {
     if (handle_ >= 0) {
         ::close(static_cast<int>(handle_)); // drops the lock
     }
+}
+
+TurnLock::TurnLock(const std::wstring& path)
+    : handle_(::open(WideToUtf8(path).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+    if (handle_ < 0) {
+        throw std::runtime_error("cannot open the lock file " + WideToUtf8(path));
+    }
+}
+
+TurnLock::~TurnLock() {
+    ::close(static_cast<int>(handle_));
+}
+
+void TurnLock::Lock() {
+    while (::flock(static_cast<int>(handle_), LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            throw std::runtime_error("cannot take a lock");
+        }
+    }
+}
+
+void TurnLock::Unlock() noexcept {
+    ::flock(static_cast<int>(handle_), LOCK_UN);
 }
 
 } // namespace platform::os

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <stdexcept>
 #include <string>
 
 namespace platform::os {
@@ -46,6 +47,35 @@ FileLock::~FileLock() {
     if (handle_ != -1) {
         ::CloseHandle(reinterpret_cast<HANDLE>(handle_)); // drops the lock
     }
+}
+
+TurnLock::TurnLock(const std::wstring& path)
+    : handle_(reinterpret_cast<std::intptr_t>(
+          ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                        OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr))) {
+    if (reinterpret_cast<HANDLE>(handle_) == INVALID_HANDLE_VALUE) {
+        throw std::runtime_error("cannot open a lock file");
+    }
+}
+
+TurnLock::~TurnLock() {
+    ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
+}
+
+// Without LOCKFILE_FAIL_IMMEDIATELY, on a handle opened without FILE_FLAG_OVERLAPPED, the call
+// returns once the range is ours.
+void TurnLock::Lock() {
+    OVERLAPPED range{};
+    if (!::LockFileEx(reinterpret_cast<HANDLE>(handle_), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0,
+                      &range)) {
+        throw std::runtime_error("cannot take a lock");
+    }
+}
+
+void TurnLock::Unlock() noexcept {
+    OVERLAPPED range{};
+    ::UnlockFileEx(reinterpret_cast<HANDLE>(handle_), 0, 1, 0, &range);
 }
 
 } // namespace platform::os

@@ -53,6 +53,11 @@ json::object Listing(const Document& d) {
 } // namespace
 
 std::string Handler::Control(std::string_view request) {
+    Noted unrecorded;
+    return Control(request, unrecorded);
+}
+
+std::string Handler::Control(std::string_view request, Noted& noted) {
     boost::system::error_code error;
     json::parse_options options;
     options.max_depth = vanto::protocol::MaxJsonDepth;
@@ -63,6 +68,8 @@ std::string Handler::Control(std::string_view request) {
     }
     const json::object& in = parsed.get_object();
     const std::string action = Field(in, "Action");
+    noted.command = action;
+    noted.user = in.contains("User") ? Field(in, "User") : options_.user;
     json::object out{{"Ok", true}};
 
     Transaction transaction = store_.Begin();
@@ -128,6 +135,7 @@ std::string Handler::Control(std::string_view request) {
         store_.SetSignedIn(user_, action == "signin");
         if (action == "signout") {
             store_.CloseSessionsOf(user_);
+            clients_.clear();
         }
     } else if (action == "fault") {
         return SetFault(in);
@@ -138,6 +146,7 @@ std::string Handler::Control(std::string_view request) {
     } else if (action == "reset") {
         transaction.Commit();
         store_.Reset(options_.workspace, options_.user);
+        clients_.clear();
         Transaction again = store_.Begin();
         user_ = store_.EnsureUser(options_.user);
         again.Commit();

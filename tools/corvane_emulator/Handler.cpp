@@ -7,6 +7,7 @@
 #include <boost/json.hpp>
 
 #include <algorithm>
+#include <chrono>
 
 namespace vanto::emulator {
 
@@ -95,21 +96,38 @@ Fault Handler::Draw(std::string_view operation, std::string_view request) noexce
 }
 
 Answer Handler::Handle(std::string_view operation, std::string_view request, Fault fault) noexcept {
+    const auto started = std::chrono::steady_clock::now();
+    const std::int64_t startMs = NowMilliseconds();
+    Noted noted;
+    Answer answer = Dispatch(operation, request, fault, noted);
+    if (journal_ != nullptr && operation != "ready") {
+        const std::chrono::duration<double, std::milli> took =
+            std::chrono::steady_clock::now() - started;
+        journal_->Record({std::string(operation), std::move(noted.command),
+                          std::move(noted.session), std::move(noted.user), std::string(request),
+                          answer.text, startMs, took.count(), fault.latencyMs, fault.failCode,
+                          fault.latencyMs != 0 || fault.failCode != 0});
+    }
+    return answer;
+}
+
+Answer Handler::Dispatch(std::string_view operation, std::string_view request, Fault fault,
+                         Noted& noted) noexcept {
     try {
         if (operation == "execute") {
-            return Execute(request, fault);
+            return Execute(request, fault, noted);
         }
         if (operation == "register") {
-            return {Register(request)};
+            return {Register(request, noted)};
         }
         if (operation == "deregister") {
-            return {Deregister(request)};
+            return {Deregister(request, noted)};
         }
         if (operation == "ready") {
             return {R"({"Ready":true})"};
         }
         if (operation == "control") {
-            Answer answer{Control(request)};
+            Answer answer{Control(request, noted)};
             answer.stopAfter = answer.text == StopAnswer;
             return answer;
         }
@@ -132,7 +150,7 @@ bool Handler::AnyFaultAnswers(std::int32_t code) const {
                        [code](const auto& entry) { return entry.second.fault.failCode == code; });
 }
 
-Answer Handler::Execute(std::string_view request, Fault fault) {
+Answer Handler::Execute(std::string_view request, Fault fault, Noted& noted) {
     json::monotonic_resource memory;
     const auto value = ParseRequest(request, &memory);
     if (!value) {
@@ -144,6 +162,11 @@ Answer Handler::Execute(std::string_view request, Fault fault) {
         return {ErrorAnswer(ReturnCode::InvalidInput)};
     }
     const std::string_view commandName = name->get_string();
+    noted.command = commandName;
+    const json::value* session = object.if_contains("SessionId");
+    if (session != nullptr && session->is_string()) {
+        noted.session = session->get_string();
+    }
     const auto found = commands_.find(commandName);
     if (found == commands_.end()) {
         return {ErrorAnswer(ReturnCode::CommandNotSupported, commandName)};
@@ -154,12 +177,12 @@ Answer Handler::Execute(std::string_view request, Fault fault) {
         (version != nullptr && !(version->is_int64() && version->get_int64() == EnvelopeVersion))) {
         return {ErrorAnswer(ReturnCode::InvalidInput)};
     }
-    const json::value* session = object.if_contains("SessionId");
 
     Transaction transaction = store_.Begin();
     const auto sessionUser =
         session == nullptr ? std::nullopt : store_.SessionUser(session->get_string());
     const auto user = sessionUser ? store_.UserByKey(*sessionUser) : std::nullopt;
+    noted.user = user ? user->name : "";
     Answer answer;
     if (fault.failCode != 0) {
         // A fault set for the command answers whoever asks.
@@ -176,8 +199,9 @@ Answer Handler::Execute(std::string_view request, Fault fault) {
     return answer;
 }
 
-std::string Handler::Register(std::string_view request) {
+std::string Handler::Register(std::string_view request, Noted& noted) {
     using Core::Registration::RegisterClientInput;
+    noted.user = options_.user;
     RegisterAnswer answer;
     ErrorList errors;
     if (!IsAcceptableRequest(request, &SchemaOf<RegisterClientInput>())) {
@@ -191,8 +215,12 @@ std::string Handler::Register(std::string_view request) {
             errors.AddWithoutId(ReturnCode::UserNotSignedIn);
         } else {
             answer.SessionId = T(RandomHex(16));
-            store_.OpenSession(
-                {answer.SessionId.str(), user_, in.ProcessId, in.ProcessStartTime.str()});
+            noted.session = answer.SessionId.str();
+            store_.OpenSession({noted.session, user_, in.ProcessId, in.ProcessStartTime.str()});
+            if (in.ClientInfo) {
+                clients_[noted.session] = {in.ClientInfo->Product.str(),
+                                           in.ClientInfo->FullName.str()};
+            }
         }
         transaction.Commit();
     }
@@ -200,13 +228,16 @@ std::string Handler::Register(std::string_view request) {
     return vanto::protocol::WriteRecord(&answer, SchemaOf<RegisterAnswer>()).str();
 }
 
-std::string Handler::Deregister(std::string_view request) {
+std::string Handler::Deregister(std::string_view request, Noted& noted) {
     using Core::Registration::DeRegisterClientInput;
     if (!IsAcceptableRequest(request, &SchemaOf<DeRegisterClientInput>())) {
         return ErrorAnswer(ReturnCode::InvalidInput);
     }
     DeRegisterClientInput in;
     vanto::protocol::ReadRecord(&in, SchemaOf<DeRegisterClientInput>(), request);
+    noted.session = in.SessionId.str();
+    noted.user = options_.user;
+    clients_.erase(noted.session);
     Transaction transaction = store_.Begin();
     const bool known = store_.CloseSession(in.SessionId.str());
     transaction.Commit();

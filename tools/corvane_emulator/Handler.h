@@ -9,10 +9,11 @@
 // Each command runs in one transaction: it is committed whole or, on any failure, not at all.
 //
 // Faults set through the control interface live as long as the emulator: a restart starts
-// without any.
+// without any. Every operation but "ready" goes to the journal, when there is one.
 #pragma once
 
 #include "EventLog.h"
+#include "Journal.h"
 #include "RequestCheck.h"
 #include "Store.h"
 
@@ -66,6 +67,17 @@ public:
     bool AnyFaultAnswers(std::int32_t code) const;
 
     const HandlerOptions& Options() const { return options_; }
+    // Where every answered operation is recorded; none by default.
+    void SetJournal(Journal* journal) { journal_ = journal; }
+    // A control request answered without a journal entry (the dashboard's reads).
+    std::string Control(std::string_view request);
+
+    // What registered clients said of themselves, by session; kept while the emulator runs.
+    struct Client {
+        std::string product;
+        std::string fullName;
+    };
+    const std::map<std::string, Client, std::less<>>& Clients() const { return clients_; }
 
     struct Command;
     using CommandTable = std::map<std::string, Command, std::less<>>;
@@ -90,10 +102,18 @@ private:
         std::int64_t times; // 0: until cleared
     };
 
-    Answer Execute(std::string_view request, Fault fault);
-    std::string Register(std::string_view request);
-    std::string Deregister(std::string_view request);
-    std::string Control(std::string_view request);
+    // What an operation learns of itself for its journal entry.
+    struct Noted {
+        std::string command;
+        std::string session;
+        std::string user;
+    };
+    Answer Dispatch(std::string_view operation, std::string_view request, Fault fault,
+                    Noted& noted) noexcept;
+    Answer Execute(std::string_view request, Fault fault, Noted& noted);
+    std::string Register(std::string_view request, Noted& noted);
+    std::string Deregister(std::string_view request, Noted& noted);
+    std::string Control(std::string_view request, Noted& noted);
     std::string SetFault(const boost::json::object& request);
 
     Store& store_;
@@ -101,7 +121,9 @@ private:
     std::int64_t user_ = 0;
     CommandTable commands_;
     std::map<std::string, FaultSetting, std::less<>> faults_;
+    std::map<std::string, Client, std::less<>> clients_;
     EventLog& log_;
+    Journal* journal_ = nullptr;
     std::string failed_; // made beforehand: the answer when even making an answer failed
 };
 

@@ -59,19 +59,6 @@ struct Server::State : std::enable_shared_from_this<Server::State> {
     }
 };
 
-namespace {
-
-// Compares in time that does not depend on where the texts differ.
-bool SameSecret(std::string_view given, std::string_view expected) {
-    unsigned char difference = given.size() == expected.size() ? 0 : 1;
-    for (std::size_t i = 0; i < given.size() && i < expected.size(); ++i) {
-        difference |= static_cast<unsigned char>(given[i] ^ expected[i]);
-    }
-    return difference == 0;
-}
-
-} // namespace
-
 class Server::Connection : public std::enable_shared_from_this<Server::Connection> {
 public:
     Connection(std::shared_ptr<State> state, tcp::socket socket)
@@ -265,12 +252,11 @@ void Server::Accept() {
     });
 }
 
-void Server::WriteEndpointFile(const std::string& path) const {
-    platform::os::WritePrivateFile(
-        path, boost::json::serialize(boost::json::object{
-                  {"Port", Port()},
-                  {"Secret", secret_},
-                  {"Pid", static_cast<std::int64_t>(platform::os::CurrentProcessId())}}));
+void Server::WriteEndpointFile(const std::string& path, boost::json::object more) const {
+    more["Port"] = Port();
+    more["Secret"] = secret_;
+    more["Pid"] = static_cast<std::int64_t>(platform::os::CurrentProcessId());
+    platform::os::WritePrivateFile(path, boost::json::serialize(more));
 }
 
 void Server::RemoveEndpointFile(const std::string& path, const std::string& secret) {

@@ -12,6 +12,7 @@
 #include "Handler.h"
 
 #include <boost/asio/io_context.hpp>
+#include <boost/json/object.hpp>
 
 #include <cstdint>
 #include <memory>
@@ -35,9 +36,9 @@ public:
     std::uint16_t Port() const;
     const std::string& Secret() const { return secret_; }
 
-    // Writes {"Port": ..., "Secret": ..., "Pid": ...} to `path` with permissions for this user
-    // alone, replacing the file in one step.
-    void WriteEndpointFile(const std::string& path) const;
+    // Writes {"Port": ..., "Secret": ..., "Pid": ..., and `more`} to `path` with permissions for
+    // this user alone, replacing the file in one step.
+    void WriteEndpointFile(const std::string& path, boost::json::object more = {}) const;
     // Removes it when it still holds `secret` (another emulator may have replaced it).
     static void RemoveEndpointFile(const std::string& path, const std::string& secret);
 

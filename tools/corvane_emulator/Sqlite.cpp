@@ -1,5 +1,7 @@
 #include "Sqlite.h"
 
+#include "os/TextConversion.h"
+
 #include <sqlite3.h>
 
 namespace vanto::emulator {
@@ -77,6 +79,9 @@ bool Statement::IsNull(int column) const {
 }
 
 Database::Database(const std::string& path) {
+    if (path != ":memory:" && !path.empty()) {
+        turns_.emplace(platform::os::Utf8ToWide(path + "-turn"));
+    }
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
     if (sqlite3_open_v2(path.c_str(), &db_, flags, nullptr) != SQLITE_OK) {
         const std::string message = db_ != nullptr ? sqlite3_errmsg(db_) : "out of memory";
@@ -84,8 +89,9 @@ Database::Database(const std::string& path) {
         db_ = nullptr;
         throw SqliteError("cannot open " + path + ": " + message);
     }
-    // Another emulator on the same data folder (a second user's desktop) may hold the write
-    // lock for the length of one command.
+    // Another emulator on the same database (a second user's desktop) may hold the write lock
+    // for the length of one command; it waits its turn first, so this is rarely more than a
+    // reader or a writer that does not take turns.
     sqlite3_busy_timeout(db_, 10000);
 }
 
@@ -119,6 +125,34 @@ Statement Database::Prepare(std::string_view sql) {
     return Statement(db_, found->second);
 }
 
+void Database::BeginWriting() {
+    const auto start = std::chrono::steady_clock::now();
+    if (turns_) {
+        turns_->Lock();
+    }
+    try {
+        Execute("BEGIN IMMEDIATE");
+    } catch (...) {
+        EndWriting();
+        throw;
+    }
+    const auto waited = std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now() - start);
+    if (waited >= LongWait && report_) {
+        try {
+            report_(waited);
+        } catch (...) {
+            // The transaction stands; only its report is lost.
+        }
+    }
+}
+
+void Database::EndWriting() noexcept {
+    if (turns_) {
+        turns_->Unlock();
+    }
+}
+
 std::int64_t Database::LastInsertId() const {
     return sqlite3_last_insert_rowid(db_);
 }
@@ -128,7 +162,7 @@ std::int64_t Database::Changes() const {
 }
 
 Transaction::Transaction(Database& db) : db_(db) {
-    db_.Execute("BEGIN IMMEDIATE");
+    db_.BeginWriting();
 }
 
 Transaction::~Transaction() {
@@ -139,6 +173,7 @@ Transaction::~Transaction() {
             // Nothing was begun or SQLite rolled back already.
         }
     }
+    db_.EndWriting();
 }
 
 void Transaction::Commit() {

@@ -2,7 +2,11 @@
 // transaction that rolls back unless committed. Failures throw SqliteError.
 #pragma once
 
+#include "os/FileLock.h"
+
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -70,6 +74,12 @@ public:
     std::int64_t LastInsertId() const;
     std::int64_t Changes() const;
 
+    // A wait for a turn to write of at least LongWait is told to `report`, with its length.
+    static constexpr std::chrono::milliseconds LongWait{50};
+    void ReportLongWaits(std::function<void(std::chrono::milliseconds)> report) {
+        report_ = std::move(report);
+    }
+
     // One value of a query that yields one row and one column; empty when there is no row.
     template <class... Values>
     std::optional<std::int64_t> QueryInt(std::string_view sql, const Values&... values) {
@@ -96,12 +106,24 @@ public:
     }
 
 private:
+    friend class Transaction;
+    // Waits for this process's turn at the write lock, then begins a transaction that holds it.
+    void BeginWriting();
+    void EndWriting() noexcept;
+
     sqlite3* db_ = nullptr;
     std::unordered_map<std::string, sqlite3_stmt*> cache_;
+    // Several processes (desktops) may write to one file. SQLite's own wait for its write lock
+    // sleeps ever longer between tries, up to 100 ms, and a waiter can lose to newcomers again
+    // and again; so writers queue at the system's lock on a file beside the database first.
+    // None for a database in memory.
+    std::optional<platform::os::TurnLock> turns_;
+    std::function<void(std::chrono::milliseconds)> report_;
 };
 
-// BEGIN IMMEDIATE on construction (the write lock is taken before anything is read, so two
-// processes on one database never deadlock on an upgrade); ROLLBACK unless Commit() was called.
+// BEGIN IMMEDIATE on construction, in turn (the write lock is taken before anything is read, so
+// two processes on one database never deadlock on an upgrade); ROLLBACK unless Commit() was
+// called; the turn ends with the object.
 class Transaction {
 public:
     explicit Transaction(Database& db);

@@ -62,8 +62,10 @@ Store::Store(const std::string& path) : db_(path) {
     db_.Execute("PRAGMA foreign_keys = ON");
     if (path != ":memory:") {
         // Written-ahead log: a reader never waits for the writer, and a command's transaction
-        // is on disk once COMMIT returns.
-        db_.Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
+        // is in the log file once COMMIT returns, so it survives a kill of any process. Not
+        // flushed to the disk each time: only a crash of the whole system could lose the last
+        // ones, and desktops sharing a cloud would otherwise queue behind every flush.
+        db_.Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL");
     }
     OpenSchema();
 }
@@ -211,6 +213,16 @@ void Store::CloseSessionsOf(std::int64_t user) {
 
 std::optional<std::int64_t> Store::SessionUser(std::string_view id) {
     return db_.QueryInt("SELECT user_id FROM sessions WHERE id = ?", id);
+}
+
+std::vector<SessionListing> Store::AllSessions() {
+    Statement row = db_.Prepare("SELECT s.id, u.name, s.process_id, s.created FROM sessions s "
+                                "JOIN users u ON u.id = s.user_id ORDER BY s.created, s.id");
+    std::vector<SessionListing> sessions;
+    while (row.Step()) {
+        sessions.push_back({row.Text(0), row.Text(1), row.Int(2), row.Text(3)});
+    }
+    return sessions;
 }
 
 void Store::SaveSnapshot() {

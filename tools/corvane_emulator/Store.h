@@ -98,6 +98,14 @@ struct Session {
     std::string processStart;
 };
 
+// A session as the dashboard lists it.
+struct SessionListing {
+    std::string id;
+    std::string user;
+    std::int64_t processId = 0;
+    std::string since;
+};
+
 struct Tally {
     std::int64_t documents = 0;
     std::int64_t locks = 0; // locks that have not expired
@@ -112,6 +120,10 @@ public:
 
     // Everything done between this and Commit() is kept whole or not at all.
     Transaction Begin() { return Transaction(db_); }
+    // Told of every long wait for a turn to write (Database::LongWait), with its length.
+    void ReportLongWaits(std::function<void(std::chrono::milliseconds)> report) {
+        db_.ReportLongWaits(std::move(report));
+    }
 
     // Fills an empty database from the workspace; does nothing when documents exist already.
     void ImportIfEmpty(const Workspace& workspace, const std::string& defaultUser);
@@ -139,6 +151,7 @@ public:
     bool CloseSession(const std::string& id);
     void CloseSessionsOf(std::int64_t user);
     std::optional<std::int64_t> SessionUser(std::string_view id);
+    std::vector<SessionListing> AllSessions();
 
     // By identifier type (protocol::IdentifierType).
     std::optional<Document> FindDocument(std::string_view identifier, std::int32_t type = 0);
@@ -170,6 +183,8 @@ public:
 
     // protocol::Permission; a document without an entry gives everybody write.
     std::int64_t Permission(std::int64_t document, std::int64_t user);
+    // Every user's permission on a document, by user name.
+    std::vector<std::pair<std::string, std::int64_t>> Permissions(std::int64_t document);
 
     void SetDataObject(const std::string& primaryKey, const std::string& secondaryKey,
                        const std::string& data);

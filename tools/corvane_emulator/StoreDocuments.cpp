@@ -258,6 +258,18 @@ std::int64_t Store::Permission(std::int64_t document, std::int64_t user) {
         .value_or(vanto::protocol::Permission::Write);
 }
 
+std::vector<std::pair<std::string, std::int64_t>> Store::Permissions(std::int64_t document) {
+    Statement row =
+        db_.Prepare("SELECT u.name, COALESCE(p.level, ?) FROM users u LEFT JOIN permissions p "
+                    "ON p.document = ? AND p.user_id = u.id ORDER BY u.name");
+    row.BindAll(std::int64_t{vanto::protocol::Permission::Write}, document);
+    std::vector<std::pair<std::string, std::int64_t>> levels;
+    while (row.Step()) {
+        levels.emplace_back(row.Text(0), row.Int(1));
+    }
+    return levels;
+}
+
 void Store::SetDataObject(const std::string& primaryKey, const std::string& secondaryKey,
                           const std::string& data) {
     db_.Run("INSERT OR REPLACE INTO data_objects(primary_key, secondary_key, data) "

@@ -134,6 +134,22 @@ std::string IsoTime(std::int64_t seconds) {
     return text;
 }
 
+std::string IsoTimeMilliseconds(std::int64_t milliseconds) {
+    const std::int64_t seconds = (milliseconds >= 0 ? milliseconds : milliseconds - 999) / 1000;
+    const auto fraction = static_cast<int>(milliseconds - seconds * 1000);
+    std::string text = IsoTime(seconds);
+    text.insert(text.size() - 1, {'.', static_cast<char>('0' + fraction / 100),
+                                  static_cast<char>('0' + fraction / 10 % 10),
+                                  static_cast<char>('0' + fraction % 10)});
+    return text;
+}
+
+std::int64_t NowMilliseconds() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
 bool IsCadExtension(std::string_view extension) {
     if (!extension.empty() && extension.front() == '.') {
         extension.remove_prefix(1);
@@ -161,6 +177,14 @@ std::string RandomHex(std::size_t bytes) {
         text += digits[value & 0xFU];
     }
     return text;
+}
+
+bool SameSecret(std::string_view given, std::string_view expected) {
+    unsigned char difference = given.size() == expected.size() ? 0 : 1;
+    for (std::size_t i = 0; i < given.size() && i < expected.size(); ++i) {
+        difference |= static_cast<unsigned char>(given[i] ^ expected[i]);
+    }
+    return difference == 0;
 }
 
 } // namespace vanto::emulator

@@ -2,14 +2,19 @@
 //
 //   corvane_emulator serve --workspace examples/workspace      serve, data in the user's folder
 //   corvane_emulator status | documents | locks | ...          ask the running emulator
+//   corvane_emulator dashboard --open                          open its page in the browser
+//   corvane_emulator journal --export FILE                     its journal as JSON Lines
 //
 // `corvane_emulator --help` lists everything.
+#include "Dashboard.h"
 #include "Handler.h"
+#include "Journal.h"
 #include "Server.h"
 
 #include "connector/ConnectorLink.h"
 #include "connector/CorvaneClient.h"
 #include "connector/EmulatorConnector.h"
+#include "os/Browser.h"
 #include "os/Console.h"
 #include "os/FileLock.h"
 #include "os/Os.h"
@@ -23,7 +28,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 
 namespace {
 
@@ -43,6 +50,8 @@ struct ServeOptions {
     std::string cloud;
     bool memory = false;
     std::uint16_t port = 0;
+    std::uint16_t dashboardPort = 0;
+    std::int64_t journalSize = DefaultJournalSize;
     std::string user;
     Workspace workspace;
 };
@@ -73,6 +82,10 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
     Store store(options.memory          ? ":memory:"
                 : options.cloud.empty() ? options.data + "/corvane.db"
                                         : fs::absolute(fs::u8path(options.cloud)).u8string());
+    store.ReportLongWaits([&log](std::chrono::milliseconds waited) {
+        log.Write("waited " + std::to_string(waited.count()) + " ms for a turn to write to " +
+                  "the database");
+    });
     RememberWorkspace(store, workspace);
     HandlerOptions handlerOptions;
     if (!options.user.empty()) {
@@ -84,13 +97,24 @@ std::string ServeUntilStopped(ServeOptions& options, EventLog& log) {
 
     boost::asio::io_context io(1);
     Server server(io, handler, log, options.port);
+    // Each desktop keeps its own journal, beside its endpoint file.
+    Journal journal(options.memory ? ":memory:" : options.data + "/" + JournalFileName,
+                    options.journalSize, handlerOptions.user + " (" + options.data + ")", &io);
+    journal.Hide(server.Secret());
+    handler.SetJournal(&journal);
+    Dashboard dashboard(
+        io, handler, store, journal,
+        {options.dashboardPort, handlerOptions.user + " (" + options.data + ")",
+         options.cloud.empty() ? "" : fs::absolute(fs::u8path(options.cloud)).u8string()});
     const platform::os::StopRequests stopRequests(io, [&io] { io.stop(); });
-    server.WriteEndpointFile(options.endpointFile);
+    server.WriteEndpointFile(options.endpointFile, {{"DashboardPort", dashboard.Port()},
+                                                    {"DashboardToken", dashboard.Token()}});
     const std::string serving = "serving " +
                                 (workspace.folder.empty() ? "(no workspace)" : workspace.folder) +
                                 " on 127.0.0.1:" + std::to_string(server.Port()) + " as \"" +
                                 handlerOptions.user + "\"; data in " + options.data;
-    std::printf("corvane_emulator: %s\n", serving.c_str());
+    // The address with its token goes to the console only, never to the log.
+    std::printf("corvane_emulator: %s\ndashboard: %s\n", serving.c_str(), dashboard.Url().c_str());
     std::fflush(stdout);
     log.Write("start, process " + std::to_string(platform::os::CurrentProcessId()) + ", " +
               serving);
@@ -141,6 +165,33 @@ int Serve(ServeOptions options) {
     return 0;
 }
 
+// The running emulator's dashboard address, from its endpoint file; opened in the browser too
+// when asked.
+int ShowDashboard(const std::string& endpointFile, bool open) {
+    std::ifstream file(fs::u8path(endpointFile), std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(file)),
+                           std::istreambuf_iterator<char>());
+    boost::system::error_code error;
+    const json::value endpoint = json::parse(text, error);
+    const json::object* object = error ? nullptr : endpoint.if_object();
+    if (object == nullptr || !object->contains("DashboardPort") ||
+        !object->contains("DashboardToken")) {
+        std::fprintf(stderr,
+                     "corvane_emulator: no emulator with a dashboard is running (no "
+                     "endpoint in %s)\n",
+                     endpointFile.c_str());
+        return 2;
+    }
+    const std::string url = "http://127.0.0.1:" + json::serialize(object->at("DashboardPort")) +
+                            "/?token=" + std::string(object->at("DashboardToken").as_string());
+    std::printf("%s\n", url.c_str());
+    if (open && !platform::os::OpenInBrowser(url)) {
+        std::fprintf(stderr, "corvane_emulator: cannot open a browser; open the address above\n");
+        return 1;
+    }
+    return 0;
+}
+
 int Control(const std::string& endpointFile, const json::object& request) {
     const auto endpoint = Corvane::ReadEndpointFile(platform::os::Utf8ToWide(endpointFile));
     if (!endpoint) {
@@ -160,6 +211,16 @@ int Control(const std::string& endpointFile, const json::object& request) {
         }
         // A request wrong in itself is a usage error, as the command line's own are.
         return object != nullptr && object->contains("BadRequest") ? 2 : 1;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "corvane_emulator: %s\n", error.what());
+        return 2;
+    }
+}
+
+int ExportJournal(const std::string& data, const std::string& file) {
+    try {
+        Journal::ExportFolder(data, file);
+        return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "corvane_emulator: %s\n", error.what());
         return 2;
@@ -194,6 +255,12 @@ int main(int argc, char** argv) {
     serveCommand->add_option("--port", serve.port, "Port (default: chosen by the system)");
     serveCommand->add_option("--endpoint-file", serve.endpointFile,
                              "Where to write port and secret (default: DATA/endpoint.json)");
+    serveCommand->add_option("--dashboard-port", serve.dashboardPort,
+                             "The dashboard's port (default: chosen by the system)");
+    serveCommand
+        ->add_option("--journal-size", serve.journalSize, "Journal entries kept (the newest)")
+        ->check(CLI::Range(std::int64_t{1}, std::int64_t{100000000}))
+        ->capture_default_str();
 
     std::string data = DefaultDataFolder();
     std::string endpointFile;
@@ -246,6 +313,19 @@ int main(int argc, char** argv) {
     control("reset", "Empty the database and import the workspace again");
     control("stop", "Stop serving");
 
+    bool open = false;
+    CLI::App* dashboardCommand =
+        app.add_subcommand("dashboard", "Print the address of the running emulator's dashboard");
+    dashboardCommand->add_option("--data", data, "Data folder of the running emulator");
+    dashboardCommand->add_option("--endpoint-file", endpointFile, "Endpoint file of the emulator");
+    dashboardCommand->add_flag("--open", open, "Open it in the browser too");
+    std::string exportFile;
+    CLI::App* journalCommand = app.add_subcommand(
+        "journal", "The journal of a data folder, whether or not its emulator runs");
+    journalCommand->add_option("--data", data, "Data folder");
+    journalCommand->add_option("--export", exportFile, "Write it here as JSON Lines, oldest first")
+        ->required();
+
     std::vector<std::string> arguments = platform::os::Utf8Arguments(argc, argv);
     std::reverse(arguments.begin(), arguments.end());
     arguments.pop_back(); // the program's own name
@@ -268,7 +348,14 @@ int main(int argc, char** argv) {
         if (serveCommand->parsed()) {
             return Serve(serve);
         }
-        return Control(endpointFile.empty() ? data + "/endpoint.json" : endpointFile, request);
+        if (journalCommand->parsed()) {
+            return ExportJournal(data, exportFile);
+        }
+        endpointFile = endpointFile.empty() ? data + "/endpoint.json" : endpointFile;
+        if (dashboardCommand->parsed()) {
+            return ShowDashboard(endpointFile, open);
+        }
+        return Control(endpointFile, request);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "corvane_emulator: %s\n", error.what());
         return 1;
