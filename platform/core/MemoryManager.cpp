@@ -3,7 +3,11 @@
 // the pool for the next call. Each thread has its own pool, so the common path takes no lock and
 // no atomic read-modify-write; a thread's pool goes to the next new thread when it ends.
 //
-// Under AddressSanitizer every block comes from the C heap, so that it sees each one.
+// Under AddressSanitizer every block comes from the C heap, so that it sees each one, and the
+// counts are kept under the lock, with no thread-local data: the sanitizer's leak check reads a
+// shared library's thread storage with a guess at the C library's layout that fails when the
+// storage starts 16 bytes into a page (LeakSanitizer then dies on exit of a host that loads this
+// library), and the pool's thread-local data can land there.
 #include "core/MemoryManager.h"
 
 #include <algorithm>
@@ -66,11 +70,12 @@ void Count(std::atomic<std::int64_t>& counter) noexcept {
 }
 
 // Guards the lists of pools and the shared pool; taken when a thread starts or ends using the
-// pool and when the counts are read, never on the common path.
+// pool and when the counts are read, never on the common path (on every call under
+// AddressSanitizer).
 std::atomic_flag poolsBusy = ATOMIC_FLAG_INIT;
 Pool* pools = nullptr;
-Pool* spares = nullptr;
-// For a thread whose own pool has already gone (objects destroyed after its thread-local ones).
+// For a thread whose own pool has already gone (objects destroyed after its thread-local ones),
+// and for every thread under AddressSanitizer.
 Pool shared;
 // Calls that failed: they are counted as calls but hand out no block.
 std::atomic<std::int64_t> failedCalls{0};
@@ -89,6 +94,16 @@ public:
     PoolsLock& operator=(const PoolsLock&) = delete;
 };
 
+#if defined(VANTO_POOL_PASS_THROUGH)
+Pool* ThreadPool() noexcept {
+    return nullptr;
+}
+Pool* ThreadPoolIfMade() noexcept {
+    return nullptr;
+}
+#else
+// Pools whose thread has ended, for the next new threads.
+Pool* spares = nullptr;
 thread_local Pool* threadPool = nullptr;
 thread_local bool threadEnded = false;
 
@@ -127,6 +142,11 @@ Pool* ThreadPool() {
     poolReturn.pool = threadPool;
     return threadPool;
 }
+
+Pool* ThreadPoolIfMade() noexcept {
+    return threadPool;
+}
+#endif
 
 void* FromHeap(std::size_t size) {
     void* block = std::malloc(size == 0 ? 1 : size);
@@ -229,7 +249,7 @@ void MemoryManager::Free(void* block, std::size_t size) noexcept {
     }
     // A thread that has not allocated yet gives its first block to the shared pool, as making a
     // pool could fail here.
-    if (Pool* pool = threadPool) {
+    if (Pool* pool = ThreadPoolIfMade()) {
         Give(*pool, block, size);
         return;
     }
