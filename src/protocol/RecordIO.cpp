@@ -31,13 +31,36 @@ std::string_view View(string_view text) noexcept {
     return {text.data(), text.size()};
 }
 
-// Keys are short and mostly match the first member tried: comparing them here costs less than a
-// call to memcmp.
+// The word of `text` that starts at `at`, read as one load.
+template <class Word> Word WordAt(std::string_view text, std::size_t at) noexcept {
+    Word word;
+    std::memcpy(&word, text.data() + at, sizeof(Word));
+    return word;
+}
+
+// Keys are short and mostly match the first member tried: comparing them a word at a time costs
+// less than a call to memcmp. The last word of each key is read where it ends, overlapping the one
+// before, so that no byte past the key is read.
 bool SameKey(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) {
+    const std::size_t size = a.size();
+    if (size != b.size()) {
         return false;
     }
-    for (std::size_t i = 0; i < a.size(); ++i) {
+    if (size >= sizeof(std::uint64_t)) {
+        const std::size_t last = size - sizeof(std::uint64_t);
+        for (std::size_t at = 0; at < last; at += sizeof(std::uint64_t)) {
+            if (WordAt<std::uint64_t>(a, at) != WordAt<std::uint64_t>(b, at)) {
+                return false;
+            }
+        }
+        return WordAt<std::uint64_t>(a, last) == WordAt<std::uint64_t>(b, last);
+    }
+    if (size >= sizeof(std::uint32_t)) {
+        const std::size_t last = size - sizeof(std::uint32_t);
+        return WordAt<std::uint32_t>(a, 0) == WordAt<std::uint32_t>(b, 0) &&
+               WordAt<std::uint32_t>(a, last) == WordAt<std::uint32_t>(b, last);
+    }
+    for (std::size_t i = 0; i < size; ++i) {
         if (a[i] != b[i]) {
             return false;
         }
