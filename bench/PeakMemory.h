@@ -1,7 +1,8 @@
 // The high-water mark of heap bytes in use over a stretch of code, for every allocation of the
 // process (the C library's allocator is wrapped, so the core library's memory and std::string's
-// are both seen). Counting is on only inside that stretch, so that the timed benchmarks pay
-// nothing for it.
+// are both seen). The core allocator's pool takes its chunks from the C library too, so a chunk
+// counts whole from the moment it is taken, free blocks in it included. Counting is on only
+// inside that stretch, so that the timed benchmarks pay nothing for it.
 #pragma once
 
 #include <cstdint>

@@ -1,11 +1,10 @@
 // Base of every object the connector core library allocates: objects live in its memory and are
-// destroyed through their virtual destructor.
+// destroyed through their virtual destructor, which hands the allocator the object's own size.
 #pragma once
 
 #include "core/MemoryManager.h"
 
 #include <cstddef>
-#include <new>
 
 namespace Core {
 
@@ -17,16 +16,8 @@ public:
     virtual ~AllocatableObject() = default;
 
     static void* operator new(std::size_t size) { return MemoryManager::Allocate(size); }
-    static void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-        try {
-            return MemoryManager::Allocate(size);
-        } catch (...) {
-            return nullptr;
-        }
-    }
-    static void operator delete(void* block) noexcept { MemoryManager::Free(block); }
-    static void operator delete(void* block, const std::nothrow_t&) noexcept {
-        MemoryManager::Free(block);
+    static void operator delete(void* block, std::size_t size) noexcept {
+        MemoryManager::Free(block, size);
     }
 };
 

@@ -31,6 +31,43 @@ std::string_view View(string_view text) noexcept {
     return {text.data(), text.size()};
 }
 
+// The word of `text` that starts at `at`, read as one load.
+template <class Word> Word WordAt(std::string_view text, std::size_t at) noexcept {
+    Word word;
+    std::memcpy(&word, text.data() + at, sizeof(Word));
+    return word;
+}
+
+// Keys are short and mostly match the first member tried: comparing them a word at a time costs
+// less than a call to memcmp. The last word of each key is read where it ends, overlapping the one
+// before, so that no byte past the key is read.
+bool SameKey(std::string_view a, std::string_view b) noexcept {
+    const std::size_t size = a.size();
+    if (size != b.size()) {
+        return false;
+    }
+    if (size >= sizeof(std::uint64_t)) {
+        const std::size_t last = size - sizeof(std::uint64_t);
+        for (std::size_t at = 0; at < last; at += sizeof(std::uint64_t)) {
+            if (WordAt<std::uint64_t>(a, at) != WordAt<std::uint64_t>(b, at)) {
+                return false;
+            }
+        }
+        return WordAt<std::uint64_t>(a, last) == WordAt<std::uint64_t>(b, last);
+    }
+    if (size >= sizeof(std::uint32_t)) {
+        const std::size_t last = size - sizeof(std::uint32_t);
+        return WordAt<std::uint32_t>(a, 0) == WordAt<std::uint32_t>(b, 0) &&
+               WordAt<std::uint32_t>(a, last) == WordAt<std::uint32_t>(b, last);
+    }
+    for (std::size_t i = 0; i < size; ++i) {
+        if (a[i] != b[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool FitsInt32(std::int64_t value) noexcept {
     return value >= std::numeric_limits<std::int32_t>::min() &&
            value <= std::numeric_limits<std::int32_t>::max();
@@ -381,14 +418,14 @@ private:
         const Field* fields = frame.schema->fields;
         const std::size_t count = frame.schema->count;
         for (std::size_t index = frame.start; index < count; ++index) {
-            if (fields[index].key == key) {
+            if (SameKey(fields[index].key, key)) {
                 frame.pending = &fields[index];
                 frame.start = index + 1;
                 return;
             }
         }
         for (std::size_t index = 0; index < frame.start && index < count; ++index) {
-            if (fields[index].key == key) {
+            if (SameKey(fields[index].key, key)) {
                 frame.pending = &fields[index];
                 frame.start = index + 1;
                 return;
@@ -633,55 +670,6 @@ private:
     char* end_ = nullptr;
 };
 
-// The size of the record's text when no character needs escaping: the writer makes that much
-// room at once instead of growing (and copying) the text as it goes.
-std::size_t Measure(const void* record, const Schema& schema) noexcept {
-    constexpr std::size_t quotes = 2;
-    constexpr std::size_t integer = 11;
-    std::size_t size = 2;
-    for (std::size_t i = 0; i < schema.count; ++i) {
-        const Field& field = schema.fields[i];
-        const void* member = field.member(const_cast<void*>(record));
-        size += field.keyText.size();
-        switch (field.kind) {
-        case Kind::Text:
-            size += static_cast<const Core::TevString*>(member)->size() + quotes;
-            break;
-        case Kind::Integer:
-            size += integer;
-            break;
-        case Kind::Flag:
-            size += 5;
-            break;
-        case Kind::Texts:
-            size += 2;
-            for (const Core::TevString& text : *static_cast<const TextList*>(member)) {
-                size += text.size() + quotes + 1;
-            }
-            break;
-        case Kind::Integers:
-            size += 2 + static_cast<const IntegerList*>(member)->size() * (integer + 1);
-            break;
-        case Kind::Record:
-            if (const void* nested = field.nested().get(member)) {
-                size += Measure(nested, field.nested());
-            }
-            break;
-        case Kind::Records: {
-            const Schema& elements = field.nested();
-            const std::size_t count = elements.listSize(member);
-            size += 2;
-            for (std::size_t e = 0; e < count; ++e) {
-                const void* element = elements.listAt(member, e);
-                size += 1 + (element != nullptr ? Measure(element, elements) : 2);
-            }
-            break;
-        }
-        }
-    }
-    return size;
-}
-
 // [element,element,...], each element written by writeElement(index).
 template <class WriteElement>
 void WriteArray(JsonText& out, std::size_t size, const WriteElement& writeElement) {
@@ -793,7 +781,6 @@ void ReadRecord(void* record, const Schema& schema, std::string_view json) noexc
 Core::TevString WriteRecord(const void* record, const Schema& schema) noexcept {
     try {
         JsonText out;
-        out.Room(Measure(record, schema));
         WriteObject(out, record, schema);
         return Core::TevString(out.Take());
     } catch (...) {

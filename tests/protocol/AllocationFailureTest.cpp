@@ -41,21 +41,23 @@ void ReadWithEveryAllocationFailing(const std::string& name, const std::string& 
     std::vector<std::string> partial;
     std::vector<std::int64_t> cost;
     for (std::size_t k = 0; k <= members; ++k) {
+        const Core::TevString first(FirstMembers(text, k)); // texts are core memory too
         const std::int64_t before = MemoryManager::AllocationCount();
         T record;
-        vanto::protocol::FromJson(record, Core::TevString(FirstMembers(text, k)));
+        vanto::protocol::FromJson(record, first);
         cost.push_back(MemoryManager::AllocationCount() - before);
         partial.push_back(vanto::protocol::WriteJson(record).str());
     }
     ASSERT_EQ(text, partial.back()) << "the sample is the writer's own text";
 
+    const Core::TevString whole(text);
     for (std::int64_t n = 1; n <= cost.back() + 1; ++n) {
         SCOPED_TRACE("allocation " + std::to_string(n));
         const std::int64_t live = MemoryManager::LiveAllocations();
         {
             T record;
             MemoryManager::FailAllocationForTesting(n);
-            vanto::protocol::FromJson(record, Core::TevString(text));
+            vanto::protocol::FromJson(record, whole);
             MemoryManager::FailAllocationForTesting(0);
             // The failure fell inside member k when cost[k] < n <= cost[k + 1]: members before k
             // are kept. Past the last allocation nothing fails and the whole record is read.
