@@ -1,8 +1,10 @@
 // The connector SDK's narrow text. It always holds UTF-8.
 //
-// One pointer to a block of the core allocator that holds the length, the room and the
-// characters with a closing NUL; an empty text holds no block. Records have many members that
-// mostly stay empty, so an empty text costs one pointer and a short one a single small block.
+// Sixteen bytes: a text of up to 14 characters lies in them, with its closing NUL and its length
+// in the last byte; a longer one is a pointer to a block of the core allocator that holds the
+// length, the room and the characters with a closing NUL. Most texts in an answer are short ids,
+// names and numbers, so most cost no block of their own, and neither reading nor freeing them
+// touches memory beyond their record.
 #pragma once
 
 #include "core/MemoryManager.h"
@@ -25,13 +27,15 @@ public:
     TevString(const std::string& text) : TevString(std::string_view(text)) {}
     TevString(const char* text, std::size_t length) : TevString(std::string_view(text, length)) {}
     TevString(std::string_view text) {
-        if (!text.empty()) {
-            block_ = Make(text.size(), text.size());
+        if (text.size() > InlineRoom) {
+            Adopt(Make(text.size(), text.size()));
             Fill(0, text);
+        } else if (!text.empty()) {
+            Place(0, text);
         }
     }
     TevString(const TevString& other) : TevString(std::string_view(other)) {}
-    TevString(TevString&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+    TevString(TevString&& other) noexcept { TakeFrom(other); }
     TevString& operator=(const TevString& other) {
         if (this != &other) {
             *this = TevString(other);
@@ -40,17 +44,24 @@ public:
     }
     TevString& operator=(TevString&& other) noexcept {
         if (this != &other) {
-            Release(std::exchange(block_, std::exchange(other.block_, nullptr)));
+            Release();
+            TakeFrom(other);
         }
         return *this;
     }
-    ~TevString() { Release(block_); }
+    ~TevString() {
+        if (OnHeap()) {
+            Free(HeapBlock());
+        }
+    }
 
-    const char* c_str() const noexcept { return block_ != nullptr ? Chars(block_) : ""; }
+    const char* c_str() const noexcept { return OnHeap() ? Chars(HeapBlock()) : bytes_; }
     const char* data() const noexcept { return c_str(); }
-    std::size_t Length() const noexcept { return block_ != nullptr ? block_->length : 0; }
+    std::size_t Length() const noexcept {
+        return OnHeap() ? HeapBlock()->length : static_cast<unsigned char>(bytes_[Tag]);
+    }
     std::size_t size() const noexcept { return Length(); }
-    bool IsEmpty() const noexcept { return block_ == nullptr || block_->length == 0; }
+    bool IsEmpty() const noexcept { return Length() == 0; }
     bool empty() const noexcept { return IsEmpty(); }
 
     std::string str() const { return std::string(c_str(), Length()); }
@@ -62,10 +73,15 @@ public:
         if (more.empty()) {
             return *this;
         }
-        if (block_ == nullptr || block_->room - length < more.size()) {
+        if (!OnHeap() && length + more.size() <= InlineRoom) {
+            Place(length, more);
+            return *this;
+        }
+        if (!OnHeap() || HeapBlock()->room - length < more.size()) {
             Block* grown = Make(length + more.size(), 2 * length);
             std::memcpy(Chars(grown), c_str(), length);
-            Release(std::exchange(block_, grown));
+            Release();
+            Adopt(grown);
         }
         Fill(length, more);
         return *this;
@@ -85,12 +101,17 @@ public:
     }
 
 private:
-    // The characters follow the block's header.
+    // A longer text's characters follow its block's header.
     struct Block {
         std::uint32_t length;
         std::uint32_t room; // characters it can hold, the NUL not counted
     };
     static constexpr std::size_t Overhead = sizeof(Block) + 1;
+    static constexpr std::size_t Size = 16;
+    // The last byte: the length of a text held inline, or HeapTag.
+    static constexpr std::size_t Tag = Size - 1;
+    static constexpr std::size_t InlineRoom = Tag - 1; // the NUL before the tag
+    static constexpr unsigned char HeapTag = 0xFF;
 
     static char* Chars(Block* block) noexcept { return reinterpret_cast<char*>(block + 1); }
 
@@ -106,19 +127,44 @@ private:
             std::min<std::size_t>(room, std::numeric_limits<std::uint32_t>::max() - Overhead));
         return block;
     }
-    static void Release(Block* block) noexcept {
-        if (block != nullptr) {
-            MemoryManager::Free(block, Overhead + block->room);
-        }
+
+    bool OnHeap() const noexcept { return static_cast<unsigned char>(bytes_[Tag]) == HeapTag; }
+    Block* HeapBlock() const noexcept {
+        Block* block;
+        std::memcpy(&block, bytes_, sizeof block);
+        return block;
     }
-    // Writes `text` at `at` and ends the text there.
+    void Adopt(Block* block) noexcept {
+        std::memcpy(bytes_, &block, sizeof block);
+        bytes_[Tag] = static_cast<char>(HeapTag);
+    }
+    // Leaves this text empty; a block it held is freed.
+    void Release() noexcept {
+        if (OnHeap()) {
+            Free(HeapBlock());
+        }
+        std::memset(bytes_, 0, Size);
+    }
+    static void Free(Block* block) noexcept { MemoryManager::Free(block, Overhead + block->room); }
+    void TakeFrom(TevString& other) noexcept {
+        std::memcpy(bytes_, other.bytes_, Size);
+        std::memset(other.bytes_, 0, Size);
+    }
+    // Writes `text` inline at `at` and ends the text there; it fits.
+    void Place(std::size_t at, std::string_view text) noexcept {
+        std::memcpy(bytes_ + at, text.data(), text.size());
+        bytes_[at + text.size()] = '\0';
+        bytes_[Tag] = static_cast<char>(at + text.size());
+    }
+    // Writes `text` into the block at `at` and ends the text there.
     void Fill(std::size_t at, std::string_view text) noexcept {
-        std::memcpy(Chars(block_) + at, text.data(), text.size());
-        block_->length = static_cast<std::uint32_t>(at + text.size());
-        Chars(block_)[block_->length] = '\0';
+        Block* block = HeapBlock();
+        std::memcpy(Chars(block) + at, text.data(), text.size());
+        block->length = static_cast<std::uint32_t>(at + text.size());
+        Chars(block)[block->length] = '\0';
     }
 
-    Block* block_ = nullptr;
+    alignas(sizeof(void*)) char bytes_[Size] = {};
 };
 
 } // namespace Core
