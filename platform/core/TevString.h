@@ -31,7 +31,7 @@ public:
             Adopt(Make(text.size(), text.size()));
             Fill(0, text);
         } else if (!text.empty()) {
-            Place(0, text);
+            Pack(text);
         }
     }
     TevString(const TevString& other) : TevString(std::string_view(other)) {}
@@ -135,20 +135,54 @@ private:
         return block;
     }
     void Adopt(Block* block) noexcept {
-        std::memcpy(bytes_, &block, sizeof block);
-        bytes_[Tag] = static_cast<char>(HeapTag);
+        Store(reinterpret_cast<std::uintptr_t>(block), std::uint64_t{HeapTag} << 56);
     }
     // Leaves this text empty; a block it held is freed.
     void Release() noexcept {
         if (OnHeap()) {
             Free(HeapBlock());
         }
-        std::memset(bytes_, 0, Size);
+        Store(0, 0);
     }
     static void Free(Block* block) noexcept { MemoryManager::Free(block, Overhead + block->room); }
     void TakeFrom(TevString& other) noexcept {
-        std::memcpy(bytes_, other.bytes_, Size);
-        std::memset(other.bytes_, 0, Size);
+        Store(Load<std::uint64_t>(other.bytes_), Load<std::uint64_t>(other.bytes_ + 8));
+        other.Store(0, 0);
+    }
+
+    // The text is read, made and moved a word at a time. Written byte by byte and moved as one
+    // wider load, it would make the processor wait for the bytes to reach memory before it can
+    // load them (a text just read is moved into its record at once). The machines it runs on are
+    // little-endian: a word's first byte is its lowest.
+    template <class Word> static Word Load(const char* at) noexcept {
+        Word word;
+        std::memcpy(&word, at, sizeof word);
+        return word;
+    }
+    void Store(std::uint64_t low, std::uint64_t high) noexcept {
+        std::memcpy(bytes_, &low, sizeof low);
+        std::memcpy(bytes_ + 8, &high, sizeof high);
+    }
+    // Makes this the inline text `text` (1 to InlineRoom characters), reading no byte past it:
+    // the words are built from loads that overlap in the middle, what lies past the text zero.
+    void Pack(std::string_view text) noexcept {
+        const char* p = text.data();
+        const std::size_t n = text.size();
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+        if (n >= 8) {
+            low = Load<std::uint64_t>(p);
+            high = n == 8 ? 0 : Load<std::uint64_t>(p + n - 8) >> (8 * (16 - n));
+        } else if (n >= 4) {
+            low = Load<std::uint32_t>(p) |
+                  (std::uint64_t{Load<std::uint32_t>(p + n - 4)} << (8 * (n - 4)));
+        } else {
+            const auto byte = [p](std::size_t i) {
+                return std::uint64_t{static_cast<unsigned char>(p[i])} << (8 * i);
+            };
+            low = byte(0) | byte(n / 2) | byte(n - 1);
+        }
+        Store(low, high | (std::uint64_t{n} << 56));
     }
     // Writes `text` inline at `at` and ends the text there; it fits.
     void Place(std::size_t at, std::string_view text) noexcept {

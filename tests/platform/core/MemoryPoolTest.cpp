@@ -77,4 +77,26 @@ TEST(MemoryPool, TextsGrowAcrossBlockSizes) {
     EXPECT_EQ(live, MemoryManager::LiveAllocations());
 }
 
+// Texts of every length across the limit of what a text holds in itself, each with distinct
+// bytes: made, copied, moved and appended to, each keeps its characters and its closing NUL.
+TEST(MemoryPool, TextsOfEveryLengthAroundTheInlineLimitKeepTheirBytes) {
+    const std::int64_t live = MemoryManager::LiveAllocations();
+    const std::string source = "abcdefghijklmnopqrstuvwxyz";
+    for (std::size_t length = 0; length <= 20; ++length) {
+        const std::string expected = source.substr(0, length);
+        const Core::TevString made(expected);
+        Core::TevString copied(made);
+        const Core::TevString moved(std::move(copied));
+        Core::TevString grown(expected.substr(0, length / 2));
+        grown += expected.substr(length / 2);
+        const Core::TevString& appended = grown;
+        for (const Core::TevString* text : {&made, &moved, &appended}) {
+            EXPECT_EQ(expected, std::string(text->c_str())) << "length " << length;
+            EXPECT_EQ(length, text->size());
+        }
+        EXPECT_TRUE(copied.empty()) << "a text moved from is left empty";
+    }
+    EXPECT_EQ(live, MemoryManager::LiveAllocations());
+}
+
 } // namespace
