@@ -146,9 +146,8 @@ struct ConnectorLink::State {
         return count;
     }
 
-    // Writes `frame` and, when `answer` is given, reads one; false on time-out, `error` set on
-    // any other failure.
-    bool Exchange(std::string_view frame, std::string* answer, Clock::time_point deadline,
+    // Writes `frame` and reads the answer's; false on time-out, `error` set on any other failure.
+    bool Exchange(std::string_view frame, std::string& answer, Clock::time_point deadline,
                   error_code& error) {
         for (std::size_t sent = 0; sent < frame.size();) {
             sent += socket.write_some(asio::buffer(frame.substr(sent)), error);
@@ -159,9 +158,6 @@ struct ConnectorLink::State {
             } else if (error) {
                 return true;
             }
-        }
-        if (answer == nullptr) {
-            return true;
         }
         inbox.resize(InboxBytes);
         std::size_t got = 0;
@@ -181,10 +177,10 @@ struct ConnectorLink::State {
             error = make_error_code(boost::system::errc::protocol_error);
             return true;
         }
-        answer->assign(inbox.data() + 4, got - 4);
-        answer->resize(length);
+        answer.assign(inbox.data() + 4, got - 4);
+        answer.resize(length);
         for (std::size_t have = got - 4; have < length;) {
-            const auto count = ReadSome(answer->data() + have, length - have, deadline, error);
+            const auto count = ReadSome(answer.data() + have, length - have, deadline, error);
             if (!count || error) {
                 return count.has_value();
             }
@@ -227,7 +223,7 @@ void ConnectorLink::Connect(const Endpoint& endpoint, Clock::time_point deadline
     // asks with one read.
     s.socket.non_blocking(true, error);
     std::string answer;
-    if (!s.Exchange(Frame({HandshakeGreeting, endpoint.secret}), &answer, deadline, error)) {
+    if (!s.Exchange(Frame({HandshakeGreeting, endpoint.secret}), answer, deadline, error)) {
         throw Fail(Failure::TimeOut, "waiting for the handshake");
     }
     if (error || answer != HandshakeAccepted) {
@@ -254,7 +250,7 @@ std::string ConnectorLink::Call(const Endpoint& endpoint, std::string_view opera
     }
     std::string answer;
     error_code error;
-    if (!s.Exchange(Frame({operation, "\n", body}), &answer, deadline, error)) {
+    if (!s.Exchange(Frame({operation, "\n", body}), answer, deadline, error)) {
         throw Fail(Failure::TimeOut,
                    "no answer within " + std::to_string(timeout_.count()) + " ms");
     }
