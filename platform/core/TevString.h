@@ -2,9 +2,10 @@
 //
 // Sixteen bytes: a text of up to 14 characters lies in them, with its closing NUL and its length
 // in the last byte; a longer one is a pointer to a block of the core allocator that holds the
-// length, the room and the characters with a closing NUL. Most texts in an answer are short ids,
-// names and numbers, so most cost no block of their own, and neither reading nor freeing them
-// touches memory beyond their record.
+// length and the characters with a closing NUL, and beside the pointer the block's room, so that
+// freeing the text does not read its block, which has mostly left the cache by then. Most texts in
+// an answer are short ids, names and numbers, so most cost no block of their own, and neither
+// reading nor freeing them touches memory beyond their record.
 #pragma once
 
 #include "core/MemoryManager.h"
@@ -28,7 +29,8 @@ public:
     TevString(const char* text, std::size_t length) : TevString(std::string_view(text, length)) {}
     TevString(std::string_view text) {
         if (text.size() > InlineRoom) {
-            Adopt(Make(text.size(), text.size()));
+            const std::size_t room = RoomFor(text.size(), text.size());
+            Adopt(Make(room), room);
             Fill(0, text);
         } else if (!text.empty()) {
             Pack(text);
@@ -51,7 +53,7 @@ public:
     }
     ~TevString() {
         if (OnHeap()) {
-            Free(HeapBlock());
+            Free(HeapBlock(), HeapRoom());
         }
     }
 
@@ -77,11 +79,12 @@ public:
             Place(length, more);
             return *this;
         }
-        if (!OnHeap() || HeapBlock()->room - length < more.size()) {
-            Block* grown = Make(length + more.size(), 2 * length);
+        if (!OnHeap() || HeapRoom() - length < more.size()) {
+            const std::size_t room = RoomFor(length + more.size(), 2 * length);
+            Block* grown = Make(room);
             std::memcpy(Chars(grown), c_str(), length);
             Release();
-            Adopt(grown);
+            Adopt(grown, room);
         }
         Fill(length, more);
         return *this;
@@ -104,7 +107,6 @@ private:
     // A longer text's characters follow its block's header.
     struct Block {
         std::uint32_t length;
-        std::uint32_t room; // characters it can hold, the NUL not counted
     };
     static constexpr std::size_t Overhead = sizeof(Block) + 1;
     static constexpr std::size_t Size = 16;
@@ -115,17 +117,17 @@ private:
 
     static char* Chars(Block* block) noexcept { return reinterpret_cast<char*>(block + 1); }
 
-    // A block with room for at least `wanted` characters (and `length` at most 4 GiB).
-    static Block* Make(std::size_t length, std::size_t wanted) {
-        if (length > std::numeric_limits<std::uint32_t>::max() - Overhead) {
+    // The characters a block for a text of `length` holds when `wanted` are asked for (and
+    // `length` at most 4 GiB): whatever its size class gives beyond them is used too.
+    static std::size_t RoomFor(std::size_t length, std::size_t wanted) {
+        constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max() - Overhead;
+        if (length > most) {
             throw std::length_error("TevString longer than 4 GiB");
         }
-        const std::size_t room =
-            MemoryManager::Room(Overhead + std::max(length, wanted)) - Overhead;
-        auto* block = static_cast<Block*>(MemoryManager::Allocate(Overhead + room));
-        block->room = static_cast<std::uint32_t>(
-            std::min<std::size_t>(room, std::numeric_limits<std::uint32_t>::max() - Overhead));
-        return block;
+        return std::min(MemoryManager::Room(Overhead + std::max(length, wanted)) - Overhead, most);
+    }
+    static Block* Make(std::size_t room) {
+        return static_cast<Block*>(MemoryManager::Allocate(Overhead + room));
     }
 
     bool OnHeap() const noexcept { return static_cast<unsigned char>(bytes_[Tag]) == HeapTag; }
@@ -134,17 +136,21 @@ private:
         std::memcpy(&block, bytes_, sizeof block);
         return block;
     }
-    void Adopt(Block* block) noexcept {
-        Store(reinterpret_cast<std::uintptr_t>(block), std::uint64_t{HeapTag} << 56);
+    // The room of the block held, beside its pointer.
+    std::size_t HeapRoom() const noexcept { return Load<std::uint32_t>(bytes_ + 8); }
+    void Adopt(Block* block, std::size_t room) noexcept {
+        Store(reinterpret_cast<std::uintptr_t>(block), room | std::uint64_t{HeapTag} << 56);
     }
     // Leaves this text empty; a block it held is freed.
     void Release() noexcept {
         if (OnHeap()) {
-            Free(HeapBlock());
+            Free(HeapBlock(), HeapRoom());
         }
         Store(0, 0);
     }
-    static void Free(Block* block) noexcept { MemoryManager::Free(block, Overhead + block->room); }
+    static void Free(Block* block, std::size_t room) noexcept {
+        MemoryManager::Free(block, Overhead + room);
+    }
     void TakeFrom(TevString& other) noexcept {
         Store(Load<std::uint64_t>(other.bytes_), Load<std::uint64_t>(other.bytes_ + 8));
         other.Store(0, 0);

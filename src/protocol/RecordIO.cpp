@@ -31,41 +31,16 @@ std::string_view View(string_view text) noexcept {
     return {text.data(), text.size()};
 }
 
-// The word of `text` that starts at `at`, read as one load.
-template <class Word> Word WordAt(std::string_view text, std::size_t at) noexcept {
-    Word word;
-    std::memcpy(&word, text.data() + at, sizeof(Word));
-    return word;
-}
-
-// Keys are short and mostly match the first member tried: comparing them a word at a time costs
-// less than a call to memcmp. The last word of each key is read where it ends, overlapping the one
-// before, so that no byte past the key is read.
-bool SameKey(std::string_view a, std::string_view b) noexcept {
-    const std::size_t size = a.size();
-    if (size != b.size()) {
+// Whether `key`, whose words are `words`, is the field's name.
+bool SameKey(const Field& field, const KeyWords& words, std::string_view key) noexcept {
+    constexpr std::size_t Told = 2 * sizeof(std::uint64_t); // what the words alone tell apart
+    if (((field.words.size ^ words.size) | (field.words.head ^ words.head) |
+         (field.words.tail ^ words.tail)) != 0) {
         return false;
     }
-    if (size >= sizeof(std::uint64_t)) {
-        const std::size_t last = size - sizeof(std::uint64_t);
-        for (std::size_t at = 0; at < last; at += sizeof(std::uint64_t)) {
-            if (WordAt<std::uint64_t>(a, at) != WordAt<std::uint64_t>(b, at)) {
-                return false;
-            }
-        }
-        return WordAt<std::uint64_t>(a, last) == WordAt<std::uint64_t>(b, last);
-    }
-    if (size >= sizeof(std::uint32_t)) {
-        const std::size_t last = size - sizeof(std::uint32_t);
-        return WordAt<std::uint32_t>(a, 0) == WordAt<std::uint32_t>(b, 0) &&
-               WordAt<std::uint32_t>(a, last) == WordAt<std::uint32_t>(b, last);
-    }
-    for (std::size_t i = 0; i < size; ++i) {
-        if (a[i] != b[i]) {
-            return false;
-        }
-    }
-    return true;
+    return key.size() <= Told ||
+           std::memcmp(field.key.data() + sizeof(std::uint64_t), key.data() + sizeof(std::uint64_t),
+                       key.size() - Told) == 0;
 }
 
 bool FitsInt32(std::int64_t value) noexcept {
@@ -257,6 +232,7 @@ public:
         if (skip_ > 0) {
             return true;
         }
+        keySplit_ = true;
         if (key_.size() + part.size() <= MaxKeyLength) {
             key_.append(part.data(), part.size());
         } else {
@@ -265,21 +241,24 @@ public:
         return true;
     }
 
+    // Outside a value passed over, every object is a record being filled.
     bool on_key(string_view part, std::size_t, error_code&) {
         if (skip_ > 0) {
             return true;
         }
         Frame& frame = Top();
-        if (keyTooLong_ || key_.size() + part.size() > MaxKeyLength) {
-            frame.pending = nullptr;
-        } else if (key_.empty()) {
-            Find(frame, View(part));
-        } else {
+        if (!keySplit_) { // the whole key lies in the text
+            frame.pending = Find(frame, View(part));
+            return true;
+        }
+        frame.pending = nullptr;
+        if (!keyTooLong_ && key_.size() + part.size() <= MaxKeyLength) {
             key_.append(part.data(), part.size());
-            Find(frame, key_);
+            frame.pending = Find(frame, key_);
         }
         key_.clear();
         keyTooLong_ = false;
+        keySplit_ = false;
         return true;
     }
 
@@ -410,27 +389,25 @@ private:
         records_.resize(start);
     }
 
-    void Find(Frame& frame, std::string_view key) noexcept {
-        frame.pending = nullptr;
-        if (frame.type != Frame::Type::Record) {
-            return;
-        }
+    // The member of the frame's record that `key` names, looked for from where the last key's
+    // member left off; null when it names none.
+    static const Field* Find(Frame& frame, std::string_view key) noexcept {
         const Field* fields = frame.schema->fields;
         const std::size_t count = frame.schema->count;
+        const KeyWords words = WordsOf(key);
         for (std::size_t index = frame.start; index < count; ++index) {
-            if (SameKey(fields[index].key, key)) {
-                frame.pending = &fields[index];
+            if (SameKey(fields[index], words, key)) {
                 frame.start = index + 1;
-                return;
+                return &fields[index];
             }
         }
-        for (std::size_t index = 0; index < frame.start && index < count; ++index) {
-            if (SameKey(fields[index].key, key)) {
-                frame.pending = &fields[index];
+        for (std::size_t index = 0; index < frame.start; ++index) {
+            if (SameKey(fields[index], words, key)) {
                 frame.start = index + 1;
-                return;
+                return &fields[index];
             }
         }
+        return nullptr;
     }
 
     static const Field* TakePending(Frame& frame) noexcept {
@@ -508,7 +485,9 @@ private:
     std::size_t depth_ = 0;
     // Open containers inside a value that is being passed over.
     std::size_t skip_ = 0;
+    // A key that came in parts, gathered until its end.
     std::string key_;
+    bool keySplit_ = false;
     bool keyTooLong_ = false;
     std::string text_;
     // The elements of the lists being read, innermost list last: each list is made at its final

@@ -79,6 +79,21 @@ TEST(ReadingRules, SessionInformationReadFromTextsThatAreNotQuiteWhatItExpects) 
     }
 }
 
+// A key names a member only when every byte agrees: keys that differ from a member's name in one
+// byte (first, last, or inside a long name between its first and last eight) or in length.
+TEST(ReadingRules, KeysNameAMemberOnlyWhenEveryByteAgrees) {
+    const std::pair<std::string, std::string> cases[] = {
+        {R"({"AuthenticatedUserName":"a","UserId":"u","Version":"v"})", "0|a||||u|v|0|"},
+        {R"({"AuthentiXatedUserName":"a","UserIdd":"u","Versio":"v"})", "0|||||||0|"},
+        {R"({"ButhenticatedUserName":"a","UserIc":"u","Wersion":"v"})", "0|||||||0|"},
+        {R"({"AuthenticatedUserNamf":"a","UsexId":"u","Vers1on":"v"})", "0|||||||0|"},
+        {R"({"AuthenticatedUserNam":"a","AuthenticatedUserNamee":"b","":"c"})", "0|||||||0|"},
+    };
+    for (const auto& [text, members] : cases) {
+        EXPECT_EQ(members, Members(CorvaneGetSessionInfoOutput(text))) << text;
+    }
+}
+
 TEST(ReadingRules, IntegersMustBeWholeAndFitIn32Bits) {
     const std::pair<const char*, std::int32_t> cases[] = {{"2147483647", 2147483647},
                                                           {"-2147483648", -2147483647 - 1},
