@@ -154,7 +154,9 @@ public:
             --skip_;
             return true;
         }
-        const Frame done = frames_[--depth_];
+        // Read in place: copied whole, the frame would be loaded in wider pieces than its last
+        // members were just stored in, and the load would wait for the stores to reach the cache.
+        const Frame& done = frames_[--depth_];
         if (depth_ == 0) {
             return true; // the top record itself
         }
