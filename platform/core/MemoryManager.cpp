@@ -9,6 +9,7 @@
 // storage starts 16 bytes into a page (LeakSanitizer then dies on exit of a host that loads this
 // library), and the pool's thread-local data can land there.
 #include "core/MemoryManager.h"
+#include "os/ThreadLocal.h"
 
 #include <algorithm>
 #include <atomic>
@@ -109,8 +110,8 @@ Pool* ThreadPoolIfMade() noexcept {
 #else
 // Pools whose thread has ended, for the next new threads.
 Pool* spares = nullptr;
-thread_local Pool* threadPool = nullptr;
-thread_local bool threadEnded = false;
+VANTO_FAST_THREAD_LOCAL thread_local Pool* threadPool = nullptr;
+VANTO_FAST_THREAD_LOCAL thread_local bool threadEnded = false;
 
 // Hands the thread's pool over to the spares when the thread ends. It keeps the pool itself: the
 // other thread-local variables may already be gone by then (MinGW's emulated thread storage).
@@ -127,7 +128,7 @@ struct PoolReturn {
         threadEnded = true;
     }
 };
-thread_local PoolReturn poolReturn;
+VANTO_FAST_THREAD_LOCAL thread_local PoolReturn poolReturn;
 
 // The thread's pool, made or taken from the spares on first use; null once the thread's own
 // pool has gone.
