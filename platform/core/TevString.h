@@ -29,9 +29,7 @@ public:
     TevString(const char* text, std::size_t length) : TevString(std::string_view(text, length)) {}
     TevString(std::string_view text) {
         if (text.size() > InlineRoom) {
-            const std::size_t room = RoomFor(text.size(), text.size());
-            Adopt(Make(room), room);
-            Fill(0, text);
+            MakeLong(text);
         } else if (!text.empty()) {
             Pack(text);
         }
@@ -128,6 +126,13 @@ private:
     }
     static Block* Make(std::size_t room) {
         return static_cast<Block*>(MemoryManager::Allocate(Overhead + room));
+    }
+
+    // A long text's block, out of line: most texts are short, and their path stays small.
+    __attribute__((noinline)) void MakeLong(std::string_view text) {
+        const std::size_t room = RoomFor(text.size(), text.size());
+        Adopt(Make(room), room);
+        Fill(0, text);
     }
 
     bool OnHeap() const noexcept { return static_cast<unsigned char>(bytes_[Tag]) == HeapTag; }

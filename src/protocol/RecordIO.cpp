@@ -276,13 +276,15 @@ public:
             return true;
         }
         Frame& frame = Top();
-        if (frame.type == Frame::Type::Texts) {
-            texts_.push_back(TakeText(part));
-        } else if (const Field* field = Scalar(frame, Kind::Text)) {
-            *static_cast<Core::TevString*>(field->member(frame.object)) = TakeText(part);
+        if (frame.type != Frame::Type::Record || !text_.empty()) {
+            return OtherString(frame, part);
+        }
+        // Most strings are a member's whole text: this path keeps to that, so that it needs few
+        // registers and saves few.
+        if (const Field* field = Scalar(frame, Kind::Text)) {
+            *static_cast<Core::TevString*>(field->member(frame.object)) =
+                Core::TevString(View(part));
             MarkCompleted(field, depth_);
-        } else {
-            AppendDefault(frame);
         }
         return true;
     }
@@ -436,6 +438,19 @@ private:
         return frame.type == Frame::Type::Texts ||
                (frame.type == Frame::Type::Record && frame.pending != nullptr &&
                 frame.pending->kind == Kind::Text);
+    }
+
+    // A string in a list, or one that came in parts.
+    __attribute__((noinline)) bool OtherString(Frame& frame, string_view part) {
+        if (frame.type == Frame::Type::Texts) {
+            texts_.push_back(TakeText(part));
+        } else if (const Field* field = Scalar(frame, Kind::Text)) {
+            *static_cast<Core::TevString*>(field->member(frame.object)) = TakeText(part);
+            MarkCompleted(field, depth_);
+        } else {
+            AppendDefault(frame);
+        }
+        return true;
     }
 
     // The string that ends with `last`: straight from the text, or joined with the parts before.
