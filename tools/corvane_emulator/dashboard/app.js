@@ -272,6 +272,7 @@ function versionCell(d) {
 const locksView = {
   title: 'Locks & sessions',
   build() {
+    this.load = latestOnly(() => Promise.all([get('/api/locks'), get('/api/sessions')]));
     this.locks = h('div', { class: 'scroll' });
     this.sessions = h('div', { class: 'scroll' });
     return h('section', { class: 'split' },
@@ -282,7 +283,9 @@ const locksView = {
     return this.refresh();
   },
   async refresh() {
-    const [locks, sessions] = await Promise.all([get('/api/locks'), get('/api/sessions')]);
+    const answers = await this.load();
+    if (!answers) return;
+    const [locks, sessions] = answers;
     const release = (lock) => async () => {
       showAnswer(await acting({ Action: 'unlock', User: lock.LockedBy, Path: lock.Path }));
     };
@@ -336,6 +339,7 @@ const structureView = {
     this.caption = h('p', { class: 'caption' });
     this.drawing = h('div', { class: 'drawing' });
     this.suggestions = new Map();
+    this.load = latestOnly((params) => get('/api/structure', params));
     const toolbar = h('div', { class: 'toolbar' }, this.picker, this.choices, this.directions);
     return h('section', {}, toolbar, this.caption, this.drawing);
   },
@@ -367,7 +371,9 @@ const structureView = {
       this.drawing.replaceChildren();
       return;
     }
-    const { Root: root } = await get('/api/structure', this.params);
+    const answer = await this.load(this.params);
+    if (!answer) return;
+    const root = answer.Root;
     const parents = this.params.direction === 'parents';
     this.picker.value = root.Path;
     this.caption.textContent = parents
