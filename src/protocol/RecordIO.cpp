@@ -13,6 +13,7 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -53,8 +54,8 @@ using IntegerList = Core::DynamicArray<std::int32_t>;
 
 // Moves one member of a finished record into the caller's record.
 void TakeOver(const Field& field, void* to, void* from) noexcept {
-    void* target = field.member(to);
-    void* source = field.member(from);
+    void* target = MemberOf(field, to);
+    void* source = MemberOf(field, from);
     switch (field.kind) {
     case Kind::Text:
         *static_cast<Core::TevString*>(target) = std::move(*static_cast<Core::TevString*>(source));
@@ -77,6 +78,22 @@ void TakeOver(const Field& field, void* to, void* from) noexcept {
     case Kind::Records:
         field.nested().moveList(target, source);
         break;
+    }
+}
+
+// Makes `member` the text `text`. An empty member (a fresh record's) gets the text built in its
+// own place: a long text built elsewhere has its two words written one at a time, and moving it in
+// reads them back as one wider load, which waits for both stores to reach the cache.
+void SetText(Core::TevString& member, std::string_view text) {
+    if (!member.empty()) {
+        member = Core::TevString(text);
+        return;
+    }
+    try {
+        ::new (&member) Core::TevString(text); // an empty text holds nothing to free
+    } catch (...) {
+        ::new (&member) Core::TevString(); // the member stays a text for its record to destroy
+        throw;
     }
 }
 
@@ -164,7 +181,7 @@ public:
         if (parent.type == Frame::Type::Records) {
             Keep(*done.schema, done.object);
         } else if (members > 0) {
-            done.schema->adopt(done.field->member(parent.object), done.object);
+            done.schema->adopt(MemberOf(*done.field, parent.object), done.object);
             MarkCompleted(done.field, depth_);
         } else {
             done.schema->destroy(done.object); // {} holds no data
@@ -211,7 +228,7 @@ public:
         }
         Frame& done = Top();
         if (elements > 0) {
-            void* member = done.field->member(frames_[depth_ - 2].object);
+            void* member = MemberOf(*done.field, frames_[depth_ - 2].object);
             switch (done.type) {
             case Frame::Type::Texts:
                 *static_cast<TextList*>(member) = TakeList<TextList>(texts_, done.start);
@@ -282,8 +299,7 @@ public:
         // Most strings are a member's whole text: this path keeps to that, so that it needs few
         // registers and saves few.
         if (const Field* field = Scalar(frame, Kind::Text)) {
-            *static_cast<Core::TevString*>(field->member(frame.object)) =
-                Core::TevString(View(part));
+            SetText(*static_cast<Core::TevString*>(MemberOf(*field, frame.object)), View(part));
             MarkCompleted(field, depth_);
         }
         return true;
@@ -300,7 +316,7 @@ public:
         if (frame.type == Frame::Type::Integers) {
             integers_.push_back(static_cast<std::int32_t>(value));
         } else if (const Field* field = Scalar(frame, Kind::Integer)) {
-            *static_cast<std::int32_t*>(field->member(frame.object)) =
+            *static_cast<std::int32_t*>(MemberOf(*field, frame.object)) =
                 static_cast<std::int32_t>(value);
             MarkCompleted(field, depth_);
         } else {
@@ -319,7 +335,7 @@ public:
         }
         Frame& frame = Top();
         if (const Field* field = Scalar(frame, Kind::Flag)) {
-            *static_cast<bool*>(field->member(frame.object)) = value;
+            *static_cast<bool*>(MemberOf(*field, frame.object)) = value;
             MarkCompleted(field, depth_);
         } else {
             AppendDefault(frame);
@@ -445,7 +461,7 @@ private:
         if (frame.type == Frame::Type::Texts) {
             texts_.push_back(TakeText(part));
         } else if (const Field* field = Scalar(frame, Kind::Text)) {
-            *static_cast<Core::TevString*>(field->member(frame.object)) = TakeText(part);
+            *static_cast<Core::TevString*>(MemberOf(*field, frame.object)) = TakeText(part);
             MarkCompleted(field, depth_);
         } else {
             AppendDefault(frame);
@@ -688,7 +704,7 @@ void WriteObject(JsonText& out, const void* record, const Schema& schema) {
     bool first = true;
     for (std::size_t i = 0; i < schema.count; ++i) {
         const Field& field = schema.fields[i];
-        const void* member = field.member(const_cast<void*>(record));
+        const void* member = MemberOf(field, record);
         const void* nested = nullptr;
         if (field.kind == Kind::Record) {
             nested = field.nested().get(member);

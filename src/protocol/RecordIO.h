@@ -93,11 +93,19 @@ struct Field {
     // The key as the writer puts it after a previous member: ,"Key":
     std::string_view keyText;
     Kind kind;
-    // Address of the member inside a record of the schema's type.
-    void* (*member)(void* record) noexcept;
+    // Where the member lies inside a record of the schema's type, in bytes.
+    std::ptrdiff_t offset;
     // Record and Records: the schema of the nested record type.
     const Schema& (*nested)() noexcept;
 };
+
+// The member that `field` names inside `record`.
+inline void* MemberOf(const Field& field, void* record) noexcept {
+    return static_cast<char*>(record) + field.offset;
+}
+inline const void* MemberOf(const Field& field, const void* record) noexcept {
+    return static_cast<const char*>(record) + field.offset;
+}
 
 // A record type with its type erased: its fields and how to make, own and list its records.
 struct Schema {
@@ -166,6 +174,17 @@ template <class D> struct KeyText {
     static constexpr std::array<char, length + 4> text = Make();
 };
 
+// Where the member `pointer` lies inside a T. In the C++ ABI of every compiler this is built with
+// (the Itanium ABI, MinGW's included) a pointer to a data member is that offset as a ptrdiff_t;
+// records have no virtual bases. Reading a member through an offset costs the reader an addition
+// instead of a call through a pointer for every value.
+template <class T, class M> std::ptrdiff_t OffsetOf(M T::*pointer) noexcept {
+    static_assert(sizeof pointer == sizeof(std::ptrdiff_t), "a data member pointer is an offset");
+    std::ptrdiff_t offset;
+    std::memcpy(&offset, &pointer, sizeof offset);
+    return offset;
+}
+
 template <class T, class D> Field MakeField() noexcept;
 
 template <class T, template <class...> class L, class... D>
@@ -233,13 +252,12 @@ template <class T, class D> Field MakeField() noexcept {
     if constexpr (!std::is_void_v<Element>) {
         nested = &SchemaOf<Element>;
     }
-    return Field{
-        D::name,
-        WordsOf(D::name),
-        {KeyText<D>::text.data(), KeyText<D>::text.size()},
-        KindOf<Member>::value,
-        [](void* record) noexcept -> void* { return &(static_cast<T*>(record)->*D::pointer); },
-        nested};
+    return Field{D::name,
+                 WordsOf(D::name),
+                 {KeyText<D>::text.data(), KeyText<D>::text.size()},
+                 KindOf<Member>::value,
+                 OffsetOf<T, Member>(D::pointer),
+                 nested};
 }
 
 } // namespace detail
