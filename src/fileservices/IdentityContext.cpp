@@ -7,6 +7,8 @@
 #include "fileservices/ReturnCodes.h"
 #include "host/GUserFileName.h"
 
+#include <algorithm>
+
 namespace vanto::fileservices {
 
 namespace {
@@ -51,21 +53,41 @@ void StoreFilePaths(const CorvaneGetFilePathByUidOutput& output, FileUidPathMap&
 
 void AppendContexts(const CorvaneGetFileContextInformationOutput& output,
                     FileContextList& contexts) {
+    std::size_t added = 0;
+    for (const auto& entry : output.FileContextInformation) {
+        for (const auto& file : entry->FileInformation) {
+            added += file->FilePaths.size();
+        }
+    }
+    // Grown at most once, and still geometrically for a caller that appends call after call.
+    if (contexts.capacity() - contexts.size() < added) {
+        contexts.reserve(std::max(contexts.size() + added, 2 * contexts.capacity()));
+    }
     for (const auto& entry : output.FileContextInformation) {
         FileContext context;
         if (const auto& cloud = entry->ContextInformation) {
             context.collaborationSpaceId = FromNarrow(cloud->CollaborationSpaceId);
             context.containerId = FromNarrow(cloud->ContainerId);
         }
-        for (const auto& file : entry->FileInformation) {
-            context.componentId = FromNarrow(file->ComponentId);
-            context.componentRevisionId = FromNarrow(file->ComponentRevisionId);
-            context.documentId = FromNarrow(file->DocumentId);
-            context.componentUrn = FromNarrow(file->ComponentUrn);
-            context.componentRevisionUrn = FromNarrow(file->ComponentRevisionUrn);
-            context.documentUrn = FromNarrow(file->DocumentUrn);
-            for (const Core::TevString& path : file->FilePaths) {
-                contexts.push_back({GUserFileName(path.c_str()).Text(), context});
+        const auto& files = entry->FileInformation;
+        for (std::size_t f = 0; f < files.size(); ++f) {
+            const auto& file = *files[f];
+            context.componentId = FromNarrow(file.ComponentId);
+            context.componentRevisionId = FromNarrow(file.ComponentRevisionId);
+            context.documentId = FromNarrow(file.DocumentId);
+            context.componentUrn = FromNarrow(file.ComponentUrn);
+            context.componentRevisionUrn = FromNarrow(file.ComponentRevisionUrn);
+            context.documentUrn = FromNarrow(file.DocumentUrn);
+            const auto& paths = file.FilePaths;
+            for (std::size_t p = 0; p < paths.size(); ++p) {
+                GUserText path = GUserFileName(paths[p].c_str()).Text();
+                // The entry's last path takes the context itself, which nothing reads after it;
+                // a file usually has one path, so its eight texts are made once, not twice.
+                if (f + 1 == files.size() && p + 1 == paths.size()) {
+                    contexts.push_back({std::move(path), std::move(context)});
+                } else {
+                    contexts.push_back({std::move(path), context});
+                }
             }
         }
     }
