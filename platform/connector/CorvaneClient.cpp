@@ -22,30 +22,39 @@ ConnectorBackend*& InstalledBackend() {
     return backend;
 }
 
-void AppendTrace(boost::json::object line) {
-    // Read once: the file is the process's for its whole life.
+// The trace file, empty when calls are not traced. Read once: the file is the process's for its
+// whole life.
+const std::string& TraceFile() {
     static const std::string file =
         platform::os::WideToUtf8(platform::os::EnvironmentValue(L"VANTO_CORVANE_TRACE"));
-    if (file.empty()) {
+    return file;
+}
+
+void AppendTrace(const boost::json::object& line) {
+    if (TraceFile().empty()) {
         return;
     }
-    std::ofstream out(std::filesystem::u8path(file), std::ios::app | std::ios::binary);
+    std::ofstream out(std::filesystem::u8path(TraceFile()), std::ios::app | std::ios::binary);
     out << boost::json::serialize(line) << '\n';
 }
 
-// Runs one call of the backend and traces it, answered or thrown.
+// Runs one call of the backend and traces it, answered or thrown. Untraced, the call is all:
+// a trace line holds copies of the whole request and answer, megabytes for a large call.
 template <class Send>
 Core::TevString Traced(const char* call, const Core::TevString& input, Send send) {
+    if (TraceFile().empty()) {
+        return send();
+    }
     boost::json::object line{{"Call", call},
                              {"Request", boost::json::string_view(input.c_str(), input.size())}};
     try {
         Core::TevString answer = send();
         line["Answer"] = boost::json::string_view(answer.c_str(), answer.size());
-        AppendTrace(std::move(line));
+        AppendTrace(line);
         return answer;
     } catch (const CorvaneCommunicationException& e) {
         line["Failure"] = e.what();
-        AppendTrace(std::move(line));
+        AppendTrace(line);
         throw;
     }
 }
@@ -59,7 +68,7 @@ bool TracedQuery(const char* call, bool (ConnectorBackend::*query)()) {
         const Core::TevString why = backend.LastFailure();
         line["Failure"] = boost::json::string_view(why.c_str(), why.size());
     }
-    AppendTrace(std::move(line));
+    AppendTrace(line);
     return yes;
 }
 
