@@ -8,7 +8,9 @@
 #include <boost/unordered/unordered_flat_map.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
+#include <type_traits>
 
 namespace vanto::fileservices {
 
@@ -23,12 +25,23 @@ struct ExactName {
 // only up to the first null character.
 struct NameNoCase {
     using Text = std::wstring_view;
+    // The folded characters are packed into words and each word mixed in: mixing every
+    // character on its own made a chain of dependent steps as long as the name.
     static std::size_t Hash(Text name) noexcept {
-        std::size_t hash = 0;
-        for (const wchar_t c : Visible(name)) {
-            boost::hash_combine(hash, Fold(c));
+        name = Visible(name);
+        constexpr std::size_t Bits = 8 * sizeof(wchar_t);
+        constexpr std::size_t PerWord = sizeof(std::uint64_t) / sizeof(wchar_t);
+        std::uint64_t hash = name.size();
+        for (std::size_t i = 0; i < name.size();) {
+            std::uint64_t word = 0;
+            for (std::size_t k = 0; k < PerWord && i < name.size(); ++k, ++i) {
+                word |= std::uint64_t{static_cast<std::make_unsigned_t<wchar_t>>(Fold(name[i]))}
+                        << (k * Bits);
+            }
+            hash = (hash ^ word) * 0x9E3779B97F4A7C15U; // 2^64 over the golden ratio
+            hash ^= hash >> 32;
         }
-        return hash;
+        return static_cast<std::size_t>(hash);
     }
     static bool Equal(Text a, Text b) noexcept {
         a = Visible(a);
