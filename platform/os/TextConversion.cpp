@@ -1,5 +1,7 @@
 #include "os/TextConversion.h"
 
+#include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #ifdef _WIN32
@@ -57,6 +59,19 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr bool kWideIsUtf16 = sizeof(wchar_t) == 2;
+
+// Most of a request or an answer is ASCII, and it goes across eight bytes at a time.
+constexpr std::size_t WordSize = sizeof(std::uint64_t);
+
+// Whether the eight bytes from `pos` on are there and all ASCII.
+bool AsciiWord(std::string_view utf8, std::size_t pos) {
+    if (utf8.size() - pos < WordSize) {
+        return false;
+    }
+    std::uint64_t word;
+    std::memcpy(&word, utf8.data() + pos, WordSize);
+    return (word & 0x8080808080808080U) == 0;
+}
 
 bool IsContinuation(unsigned char byte) {
     return (byte & 0xC0) == 0x80;
@@ -185,6 +200,14 @@ void AppendUtf8ToWide(std::wstring& wide, std::string_view utf8) {
         wchar_t* out = block;
         // Stops short of the end by one sequence's worth of units.
         while (pos < utf8.size() && out < block + Block - 2) {
+            if (AsciiWord(utf8, pos) && out + WordSize <= block + Block) {
+                for (std::size_t k = 0; k < WordSize; ++k) {
+                    out[k] = static_cast<wchar_t>(utf8[pos + k]);
+                }
+                out += WordSize;
+                pos += WordSize;
+                continue;
+            }
             const auto byte = static_cast<unsigned char>(utf8[pos]);
             if (byte < 0x80) {
                 *out++ = static_cast<wchar_t>(byte);

@@ -111,7 +111,17 @@ TEST(TextConversionTest, DecodesUtf8AsTheWindowsConverterDoes) {
         "E2 41 > R | F0 9F 41 > R | "
         // A sequence broken inside the text yields one replacement and resumes.
         "C3 41 > R 41 | E2 82 41 > R 41 | F0 9F 98 41 > R 41 | E0 C3 A9 > R E9 | "
-        "E2 82 E2 82 AC > R 20AC | F0 9F 98 F0 9F 98 80 > R 1F600");
+        "E2 82 E2 82 AC > R 20AC | F0 9F 98 F0 9F 98 80 > R 1F600 | "
+        // ASCII is taken eight bytes at a time: runs that end inside such a word.
+        "41 42 43 44 45 46 47 48 49 > 41 42 43 44 45 46 47 48 49 | "
+        "41 42 43 44 45 46 47 C3 A9 48 > 41 42 43 44 45 46 47 E9 48 | "
+        "41 42 43 44 45 46 47 48 80 41 > 41 42 43 44 45 46 47 48 R 41");
+    // Long texts go through a buffer of 4096 units: a sequence across its end.
+    for (const std::size_t before : {4088, 4093, 4094, 4095}) {
+        SCOPED_TRACE(before);
+        EXPECT_TRUE(Utf8ToWide(std::string(before, 'a') + "\xC3\xA9" + std::string(20, 'b')) ==
+                    std::wstring(before, L'a') + L"\u00E9" + std::wstring(20, L'b'));
+    }
 }
 
 TEST(TextConversionTest, EncodesWideTextAsTheWindowsConverterDoes) {
